@@ -1,0 +1,24 @@
+// Subcommands of tavik-tool. Each returns the process exit code: 0 done, 1 the input
+// could not be used (one line on standard error says why), 2 a usage error.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tavik::tool {
+
+using Args = std::vector<std::string>;
+
+struct Command {
+  const char* name;
+  const char* usage;
+  int (*run)(const Args& args);
+};
+
+// Each tool_*.cpp registers its commands with a static Registrar.
+void Register(const Command& c);
+struct Registrar {
+  explicit Registrar(const Command& c) { Register(c); }
+};
+
+}  // namespace tavik::tool
