@@ -25,4 +25,20 @@ struct View {
   }
 };
 
+// Pixels of the drawing surface per centimetre of paper.
+constexpr double PixelsPerCm = 32.5;
+
+// World metres to pixels of Paper1 and back, at scale 1 : scaleDenominator. Pixels are
+// single precision, as the surface takes them.
+inline void WorldToPaper(const View& v, double scaleDenominator, double E, double N, float& x, float& y) {
+  const double u = scaleDenominator / 100;
+  x = static_cast<float>((E - v.PaperMinE) / u * PixelsPerCm);
+  y = static_cast<float>((v.PaperMaxN - N) / u * PixelsPerCm);
+}
+inline void PaperToWorld(const View& v, double scaleDenominator, double x, double y, double& E, double& N) {
+  const double u = scaleDenominator / 100;
+  E = x / PixelsPerCm * u + v.PaperMinE;
+  N = v.PaperMaxN - y / PixelsPerCm * u;
+}
+
 }  // namespace tavik
