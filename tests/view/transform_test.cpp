@@ -1,0 +1,198 @@
+#include "view/transform.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "recording_ui.h"
+#include "view/extent.h"
+
+namespace tavik::view {
+namespace {
+
+struct Fixture {
+  Document doc;
+  View view;
+  RecordingUi ui;
+  Fixture(double scale, double E, double N, float w = 800, float h = 600) {
+    doc.ScaleDenominator = scale;
+    doc.ViewCentreE = E;
+    doc.ViewCentreN = N;
+    SetViewportSize(view, w, h);
+    ComputeView(doc, view, ui);
+  }
+};
+
+TEST(ComputeView, RectanglesFollowThePaperModel) {
+  struct Case {
+    double scale, E, N;
+    float w, h;
+  } cases[] = {{500, 280850, 2752650, 800, 600}, {1, 0, 0, 1000, 700}, {25000, 170000.5, 2540000.25, 1600, 1200}};
+  for (const Case& c : cases) {
+    Fixture f(c.scale, c.E, c.N, c.w, c.h);
+    const double u = c.scale / 100;
+    // Paper: four viewports about the centre; screen: one viewport.
+    EXPECT_DOUBLE_EQ(f.view.PaperMinE, c.E - 2 * c.w / 32.5 * u);
+    EXPECT_NEAR(f.view.PaperMaxE - f.view.PaperMinE, 4 * c.w / 32.5 * u, 1e-9 * c.E + 1e-9);
+    EXPECT_DOUBLE_EQ(f.view.PaperMaxN, c.N + 2 * c.h / 32.5 * u);
+    EXPECT_NEAR(f.view.PaperMaxN - f.view.PaperMinN, 4 * c.h / 32.5 * u, 1e-9 * c.N + 1e-9);
+    EXPECT_NEAR(f.view.ScreenMinE, c.E - c.w / 65.0 * u, 1e-6);
+    EXPECT_NEAR(f.view.ScreenMaxE, c.E + c.w / 65.0 * u, 1e-6);
+    EXPECT_NEAR(f.view.ScreenMaxN, c.N + c.h / 65.0 * u, 1e-6);
+    EXPECT_NEAR(f.view.ScreenMinN, c.N - c.h / 65.0 * u, 1e-6);
+    EXPECT_EQ(f.ui.paperLeft, -1.5f * c.w);
+    EXPECT_EQ(f.ui.paperTop, -1.5f * c.h);
+    // The screen's corners land at the viewport's corners inside Paper1.
+    float x, y;
+    WorldToPaper(f.doc, f.view, f.view.ScreenMinE, f.view.ScreenMaxN, x, y);
+    EXPECT_NEAR(x, 1.5 * c.w, 1e-2 * std::max(1.0, 1.5 * c.w) );
+    EXPECT_NEAR(y, 1.5 * c.h, 1e-2 * std::max(1.0, 1.5 * c.h));
+    // Bounds are included on both axes.
+    EXPECT_TRUE(InScreen(f.view, f.view.ScreenMinE, f.view.ScreenMinN));
+    EXPECT_TRUE(InPaper(f.view, f.view.PaperMaxE, f.view.PaperMaxN));
+    EXPECT_FALSE(InPaper(f.view, f.view.PaperMaxE + 0.001 * u, c.N));
+    EXPECT_FALSE(InScreen(f.view, c.E, f.view.ScreenMinN - 0.001 * u));
+  }
+}
+
+TEST(Transform, RoundTripsWithinAFractionOfAPixel) {
+  Fixture f(500, 280850, 2752650);
+  const double pts[][2] = {{280850, 2752650}, {280700.123, 2752790.456}, {281000, 2752500}, {280850.0001, 2752650.0001}};
+  for (const auto& p : pts) {
+    float x, y;
+    WorldToPaper(f.doc, f.view, p[0], p[1], x, y);
+    double E, N;
+    PaperToWorld(f.doc, f.view, x, y, E, N);
+    // Pixels are single precision: the world error stays under a hundredth of a pixel.
+    const double metresPerPixel = 5.0 / 32.5;
+    EXPECT_NEAR(E, p[0], metresPerPixel / 100);
+    EXPECT_NEAR(N, p[1], metresPerPixel / 100);
+  }
+  // Paper pixels to world and back are exact in doubles for whole pixels.
+  double E, N;
+  PaperToWorld(f.doc, f.view, 1600, 1200, E, N);  // the centre of Paper1
+  EXPECT_NEAR(E, 280850, 1e-6);
+  EXPECT_NEAR(N, 2752650, 1e-6);
+}
+
+TEST(FitScale, TakesTheGreaterAxisAndNeverGoesBelowOne) {
+  struct Case {
+    double E1, N1, E2, N2, want;
+  } cases[] = {
+      {0, 0, 800 / 32.5, 0, 100},         // exactly one viewport wide at 1:100
+      {0, 0, 10, 600 / 32.5 * 5, 500},    // height governs
+      {100, 100, 0, 0, 100 / (600 / 32.5) * 100},  // corners in any order
+      {5, 5, 5, 5, 1},                    // a single spot
+      {0, 0, 0.01, 0.01, 1},              // below 1
+  };
+  for (const Case& c : cases) {
+    Fixture f(1000, 0, 0);
+    FitScale(f.doc, f.view, c.E1, c.N1, c.E2, c.N2, f.ui);
+    EXPECT_NEAR(f.doc.ScaleDenominator, c.want, 1e-9);
+    EXPECT_EQ(f.ui.panels[1].rfind("1 :", 0), 0u);
+  }
+  Fixture f(1000, 0, 0);
+  FitScale(f.doc, f.view, 0, 0, NAN, 5, f.ui);
+  EXPECT_EQ(f.doc.ScaleDenominator, 1);
+}
+
+TEST(FitWholeExtent, SinglePointGivesScaleOneAndAUsableView) {
+  Fixture f(500, 0, 0);
+  f.doc.PointTable.push_back({1, 280123.4, 2750000.5, 12, kFalse});
+  f.doc.PointCount = 1;
+  ASSERT_TRUE(FitWholeExtent(f.doc, f.view, f.ui));
+  EXPECT_EQ(f.doc.ScaleDenominator, 1);
+  EXPECT_EQ(f.doc.ViewCentreE, 280123.4);
+  EXPECT_EQ(f.doc.ViewCentreN, 2750000.5);
+  EXPECT_TRUE(InScreen(f.view, 280123.4, 2750000.5));
+  EXPECT_LT(f.view.ScreenMinE, f.view.ScreenMaxE);
+  EXPECT_EQ(f.doc.MinE, f.view.PaperMinE);
+  EXPECT_EQ(f.doc.MaxN, f.view.PaperMaxN);
+}
+
+TEST(FitWholeExtent, CoversLiveDataOnly) {
+  Fixture f(500, 0, 0);
+  f.doc.PointTable.push_back({1, 100, 200, 0, kFalse});
+  f.doc.PointTable.push_back({2, 900000, 900000, 0, kTrue});  // deleted: ignored
+  Entity line;
+  line.Kind = KindLine;
+  line.X[0] = 150, line.Y[0] = 210, line.X[1] = 300, line.Y[1] = 260;
+  f.doc.EntityTable.push_back(line);
+  Entity circle;
+  circle.Kind = KindCircle2;
+  circle.X[0] = 120, circle.Y[0] = 220, circle.X[1] = 120, circle.Y[1] = 250;  // radius 30
+  f.doc.EntityTable.push_back(circle);
+  Entity bad;
+  bad.Kind = KindLine;
+  bad.X[0] = NAN, bad.Y[0] = 5;  // its other vertex, 0,0, goes with it
+  f.doc.EntityTable.push_back(bad);
+  ASSERT_TRUE(FitWholeExtent(f.doc, f.view, f.ui));
+  EXPECT_EQ(f.doc.MinE, 90);
+  EXPECT_EQ(f.doc.MaxE, 300);
+  EXPECT_EQ(f.doc.MinN, 190);
+  EXPECT_EQ(f.doc.MaxN, 260);
+  EXPECT_EQ(f.doc.ViewCentreE, 195);
+  EXPECT_EQ(f.doc.ViewCentreN, 225);
+  for (double E : {90.0, 300.0})
+    for (double N : {190.0, 260.0}) EXPECT_TRUE(InScreen(f.view, E, N)) << E << "," << N;
+
+  Document empty;
+  View v;
+  EXPECT_FALSE(FitWholeExtent(empty, v));
+  EXPECT_EQ(empty.ScaleDenominator, 100);
+}
+
+TEST(ViewHistory, PushAndPopKeepOrderAndTellTheButton) {
+  Fixture f(500, 1, 2);
+  PushView(f.view, 500, 1, 2, f.ui);
+  PushView(f.view, 250, 3, 4, f.ui);
+  EXPECT_EQ(f.ui.tips[ButtonZoomPrevious], "前有2幕");
+  EXPECT_TRUE(f.ui.enabled[ButtonZoomPrevious]);
+  ASSERT_TRUE(PopView(f.doc, f.view, f.ui));
+  EXPECT_EQ(f.doc.ScaleDenominator, 250);
+  EXPECT_EQ(f.doc.ViewCentreE, 3);
+  EXPECT_EQ(f.ui.tips[ButtonZoomPrevious], "前有1幕");
+  ASSERT_TRUE(PopView(f.doc, f.view, f.ui));
+  EXPECT_EQ(f.doc.ViewCentreN, 2);
+  EXPECT_EQ(f.ui.tips[ButtonZoomPrevious], "前有0幕");
+  EXPECT_FALSE(f.ui.enabled[ButtonZoomPrevious]);
+  EXPECT_FALSE(PopView(f.doc, f.view, f.ui));
+  EXPECT_EQ(f.doc.ScaleDenominator, 500 / 1.0 * 0 + 500);  // unchanged by the empty pop
+
+  for (int i = 0; i < 1000; ++i) PushView(f.view, i + 1, i, i, f.ui);
+  EXPECT_EQ(f.view.ViewHistoryCount, 1000);
+  ClearViewHistory(f.view, f.ui);
+  EXPECT_EQ(f.view.ViewHistoryCount, 0);
+  EXPECT_FALSE(PopView(f.doc, f.view, f.ui));
+}
+
+TEST(Panning, FastPathOffsetAndScrollBarsAgree) {
+  Fixture f(1000, 5000, 7000);
+  float left, top;
+  PaperOffsetForCentre(f.doc, f.view, left, top);
+  EXPECT_NEAR(left, -1200, 1e-3);
+  EXPECT_NEAR(top, -900, 1e-3);
+  int h, v;
+  ScrollValues(f.doc, f.view, h, v);
+  EXPECT_EQ(h, 50);
+  EXPECT_EQ(v, 50);
+  // Shift the centre 10 pixels right and 20 down without recomputing the paper.
+  f.doc.ViewCentreE += 10 / 32.5 * 10;
+  f.doc.ViewCentreN -= 20 / 32.5 * 10;
+  PaperOffsetForCentre(f.doc, f.view, left, top);
+  EXPECT_NEAR(left, -1210, 1e-3);
+  EXPECT_NEAR(top, -920, 1e-3);
+  // Bar values map back onto the centre.
+  for (int value : {0, 25, 50, 100}) {
+    const double E = CentreFromHScroll(f.view, value);
+    const double N = CentreFromVScroll(f.view, value);
+    f.doc.ViewCentreE = E, f.doc.ViewCentreN = N;
+    ScrollValues(f.doc, f.view, h, v);
+    EXPECT_EQ(h, value);
+    EXPECT_EQ(v, value);
+  }
+  EXPECT_LT(CentreFromVScroll(f.view, 100), CentreFromVScroll(f.view, 0));  // N rises upward
+}
+
+}  // namespace
+}  // namespace tavik::view
