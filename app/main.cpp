@@ -1,0 +1,48 @@
+// TAVIK: start-up. One instance per user, then the window, the settings, the crash
+// check and the recent list, in that order; then the event loop.
+#include <QApplication>
+#include <QFont>
+#include <QTimer>
+#include <cstring>
+#include <string>
+
+#include "app/mainfrm.h"
+#include "core/app_paths.h"
+#include "core/instance_lock.h"
+#include "platform/qt/qt_dialogs.h"
+
+int main(int argc, char** argv) {
+  QApplication qapp(argc, argv);
+  QApplication::setApplicationName("TAVIK");
+  QApplication::setFont(QFont("WenQuanYi Zen Hei", 10));
+
+  // --screenshot FILE.png: show the window, save a picture of it and end (for checking
+  // the layout headless). --demo is accepted for the demonstration run.
+  std::string screenshot;
+  for (int i = 1; i < argc; ++i) {
+    if (std::strcmp(argv[i], "--screenshot") == 0 && i + 1 < argc) screenshot = argv[++i];
+  }
+
+  tavik::AppPaths paths = tavik::AppPaths::FromEnvironment();
+  paths.EnsureFolders();
+  tavik::ui::QtDialogs dialogs;
+
+  tavik::InstanceLock lock;
+  if (!lock.Acquire(paths.LockFile())) {
+    dialogs.MsgBox("您不能開啟兩個TAVIK", "已有一個TAVIK在運作中", tavik::ui::Buttons::Ok,
+                   tavik::ui::Icon::Exclamation, std::nullopt);
+    return 1;
+  }
+
+  MainFrm frm;
+  dialogs.SetParent(&frm);
+  frm.showMaximized();
+
+  if (!screenshot.empty()) {
+    QTimer::singleShot(800, &frm, [&] {
+      frm.grab().save(QString::fromStdString(screenshot));
+      qapp.exit(0);
+    });
+  }
+  return qapp.exec();
+}

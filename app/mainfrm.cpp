@@ -1,0 +1,214 @@
+#include "app/mainfrm.h"
+
+#include <QCloseEvent>
+#include <QFrame>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QVBoxLayout>
+#include <QWidget>
+#include <QHBoxLayout>
+
+namespace {
+QString Q(const std::string& s) { return QString::fromStdString(s); }
+}  // namespace
+
+MainFrm::MainFrm(QWidget* parent) : QMainWindow(parent) {
+  setObjectName("MainFrm");
+  setWindowTitle("TAVIK");
+  auto* central = new QWidget(this);
+  auto* row = new QHBoxLayout(central);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->setSpacing(0);
+  paper_ = new PaperWidget(central);
+  paper_->OnResized = [this] { RedrawPaper(); };
+  row->addWidget(paper_, 1);
+  instFrame_ = new QFrame(central);
+  row->addWidget(instFrame_);
+  setCentralWidget(central);
+  BuildMenus();
+  BuildInstrumentFrame();
+  BuildStatusBar();
+  EnableDocumentCommands(false);
+  EnableBaseMapCommands(false);
+  SetRecentItems({});
+  SetPaperEnabled(false);
+}
+
+QMenu* MainFrm::AddMenu(const char* name, const QString& caption) {
+  QMenu* m = menuBar()->addMenu(caption);
+  m->setObjectName(name);
+  m->menuAction()->setObjectName(name);
+  menus_[name] = m;
+  return m;
+}
+
+QAction* MainFrm::AddCommand(QMenu* menu, const char* name, const QString& caption, std::function<void()> run) {
+  QAction* a = menu->addAction(caption);
+  a->setObjectName(name);
+  connect(a, &QAction::triggered, this, [run = std::move(run)] {
+    if (run) run();
+  });
+  commands_[name] = a;
+  return a;
+}
+
+void MainFrm::BuildMenus() {
+  QMenu* file = AddMenu("MainMnuFile", "檔案(&F)");
+  AddCommand(file, "MainMnuNew", "開新圖檔(&N)...", [this] { if (handlers.New) handlers.New(); })
+      ->setShortcut(QKeySequence::New);
+  AddCommand(file, "MainMnuOpen", "開啟舊圖檔(&O)...", [this] { if (handlers.Open) handlers.Open(); })
+      ->setShortcut(QKeySequence::Open);
+  QAction* save = AddCommand(file, "MainMnuSave", "存檔(&S)", [this] { if (handlers.Save) handlers.Save(); });
+  save->setShortcut(QKeySequence::Save);
+  QAction* saveAs = AddCommand(file, "MainMnuSaveAs", "另存新檔(&A)...", [this] { if (handlers.SaveAs) handlers.SaveAs(); });
+  QAction* closeDoc = AddCommand(file, "MainMnuClose", "關閉圖檔(&C)", [this] { if (handlers.Close) handlers.Close(); });
+  documentCommands_ = {save, saveAs, closeDoc};
+  file->addSeparator();
+  for (int k = 1; k <= 5; ++k) {
+    const std::string name = "mnuFileItem(" + std::to_string(k) + ")";
+    recentItems_[k - 1] = AddCommand(file, name.c_str(), QString(), [this, k] {
+      if (handlers.OpenRecent) handlers.OpenRecent(k);
+    });
+  }
+  AddCommand(file, "mnuFileClear", "清除最近使用的檔案清單", [this] {
+    if (handlers.ClearRecent) handlers.ClearRecent();
+  });
+  file->addSeparator();
+  AddCommand(file, "MainMnuExit", "結束(&X)", [this] { close(); });
+
+  // The other main menus; their commands are added by the parts of the program that own them.
+  const std::pair<const char*, const char*> mains[] = {
+      {"MainMnuMete", "測量(&M)"},    {"MainMnuEdit", "編輯(&E)"},   {"MainMnuView", "檢視(&V)"},
+      {"MainMnuImport", "匯入(&I)"},  {"MainMnuExport", "匯出(&X)"}, {"MainMnuU", "工具(&U)"},
+      {"MainMnuBasemap", "底圖(&B)"}, {"MainMnuSetup", "設定(&T)"},  {"MainMnuEnd", "收工(&D)"}};
+  for (const auto& [name, caption] : mains) documentMenus_.push_back(AddMenu(name, caption));
+
+  QMenu* bm = menus_["MainMnuBasemap"];
+  const std::pair<const char*, const char*> bmCommands[] = {{"BMEraseWindow", "視窗清除底圖"},
+                                                            {"BMLockLineCPnt", "鎖定底圖線端點"},
+                                                            {"BMLockXLineCPnt", "鎖定底圖線交點"},
+                                                            {"BMRemove", "移除底圖"},
+                                                            {"BmDispSetup", "底圖顯示設定..."}};
+  for (const auto& [name, caption] : bmCommands) baseMapCommands_.push_back(AddCommand(bm, name, caption, nullptr));
+}
+
+void MainFrm::BuildInstrumentFrame() {
+  instFrame_->setObjectName("InstFrame");
+  instFrame_->setFrameShape(QFrame::StyledPanel);
+  instFrame_->setFixedWidth(180);
+  auto* col = new QVBoxLayout(instFrame_);
+  auto add = [&](const char* name, const QString& caption, const QString& text) {
+    if (!caption.isEmpty()) col->addWidget(new QLabel(caption, instFrame_));
+    auto* l = new QLabel(text, instFrame_);
+    l->setObjectName(name);
+    l->setFrameShape(QFrame::Panel);
+    l->setFrameShadow(QFrame::Sunken);
+    l->setMinimumHeight(22);
+    l->setWordWrap(true);
+    col->addWidget(l);
+    labels_[name] = l;
+  };
+  add("MAPtype", "圖別", "");
+  add("Label41", "測點數", "0");
+  add("Label42", "圖元數", "0");
+  add("OBSBox", "觀測訊息", "");
+  col->addStretch(1);
+}
+
+void MainFrm::BuildStatusBar() {
+  const int widths[11] = {0, 90, 80, 80, 90, 90, 90, 90, 100, 100, 120};
+  for (int k = 1; k <= 10; ++k) {
+    auto* l = new QLabel(this);
+    l->setObjectName(QString("Panel%1").arg(k));
+    l->setMinimumWidth(widths[k]);
+    l->setFrameShape(QFrame::Panel);
+    l->setFrameShadow(QFrame::Sunken);
+    statusBar()->addWidget(l, k == 10 ? 1 : 0);
+    panels_[k] = l;
+  }
+}
+
+void MainFrm::SetCaption(const std::string& caption) { setWindowTitle(Q(caption)); }
+
+void MainFrm::EnableDocumentCommands(bool enabled) {
+  for (QMenu* m : documentMenus_) m->menuAction()->setEnabled(enabled);
+  for (QAction* a : documentCommands_) a->setEnabled(enabled);
+}
+
+void MainFrm::EnableBaseMapCommands(bool enabled) {
+  for (QAction* a : baseMapCommands_) a->setEnabled(enabled);
+}
+
+void MainFrm::SetPanel(int index, const std::string& text) {
+  if (index >= 1 && index <= 10) panels_[index]->setText(Q(text));
+}
+
+void MainFrm::SetLabel41(const std::string& text) { labels_["Label41"]->setText(Q(text)); }
+void MainFrm::SetLabel42(const std::string& text) { labels_["Label42"]->setText(Q(text)); }
+void MainFrm::SetOBSBox(const std::string& text) { labels_["OBSBox"]->setText(Q(text)); }
+void MainFrm::SetMAPtype(const std::string& text) { labels_["MAPtype"]->setText(Q(text)); }
+
+void MainFrm::SetRecentItems(const std::vector<std::string>& items) {
+  for (std::size_t k = 0; k < recentItems_.size(); ++k) {
+    QAction* a = recentItems_[k];
+    const bool used = k < items.size();
+    // "&1 " gives each item its keyboard accelerator, as the classic File menu does.
+    a->setText(used ? QString("&%1 %2").arg(k + 1).arg(Q(items[k])) : QString());
+    a->setData(used ? Q(items[k]) : QString());
+    a->setVisible(used);
+  }
+}
+
+void MainFrm::SetMeasureModeMenus(const std::string& mode) {
+  // The measure mode's own menus and panels are added by the instrument parts of the
+  // program; the window keeps the mode shown where the surveyor sees it.
+  instFrame_->setToolTip(mode == "GPS" ? "GPS 測量" : "全測站測量");
+}
+
+void MainFrm::ClearPaper() {
+  paper_->Surface().Clear(tavik::ui::MakeRgb(255, 255, 255));
+  paper_->update();
+}
+
+void MainFrm::SetPaperEnabled(bool enabled) { paper_->setEnabled(enabled); }
+
+void MainFrm::RedrawPaper() {
+  if (handlers.Redraw)
+    handlers.Redraw(paper_->Surface());
+  else
+    paper_->Surface().Clear(tavik::ui::MakeRgb(255, 255, 255));
+  paper_->update();
+}
+
+void MainFrm::ShowInstrumentFrame() { instFrame_->show(); }
+
+QMenu* MainFrm::Menu(const std::string& name) const {
+  auto it = menus_.find(name);
+  return it == menus_.end() ? nullptr : it->second;
+}
+
+QAction* MainFrm::Command(const std::string& name) const {
+  auto it = commands_.find(name);
+  return it == commands_.end() ? nullptr : it->second;
+}
+
+QString MainFrm::PanelText(int index) const {
+  return index >= 1 && index <= 10 ? panels_[index]->text() : QString();
+}
+
+QString MainFrm::LabelText(const std::string& name) const {
+  auto it = labels_.find(name);
+  return it == labels_.end() ? QString() : it->second->text();
+}
+
+void MainFrm::closeEvent(QCloseEvent* e) {
+  // The close waits for the exit routine: it may ask to save, and Cancel keeps the
+  // program running with its work files.
+  if (handlers.Exit && !handlers.Exit()) {
+    e->ignore();
+    return;
+  }
+  e->accept();
+}

@@ -1,0 +1,78 @@
+// MainFrm: the one main window. Menus, the drawing surface Paper1, the instrument
+// frame with its labels, and the ten status panels. It holds no document logic: the
+// document cycle drives it through FrameWindow, and its menu commands call back into
+// the cycle through the handlers set by main().
+#pragma once
+
+#include <QMainWindow>
+#include <array>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "app/paper.h"
+#include "core/frame_window.h"
+
+class QAction;
+class QLabel;
+class QMenu;
+class QFrame;
+
+class MainFrm : public QMainWindow, public tavik::FrameWindow {
+  Q_OBJECT
+ public:
+  explicit MainFrm(QWidget* parent = nullptr);
+
+  // FrameWindow.
+  void SetCaption(const std::string& caption) override;
+  void EnableDocumentCommands(bool enabled) override;
+  void EnableBaseMapCommands(bool enabled) override;
+  void SetPanel(int index, const std::string& text) override;
+  void SetLabel41(const std::string& text) override;
+  void SetLabel42(const std::string& text) override;
+  void SetOBSBox(const std::string& text) override;
+  void SetMAPtype(const std::string& text) override;
+  void SetRecentItems(const std::vector<std::string>& items) override;
+  void SetMeasureModeMenus(const std::string& mode) override;
+  void ClearPaper() override;
+  void SetPaperEnabled(bool enabled) override;
+  void RedrawPaper() override;
+  void ShowInstrumentFrame() override;
+
+  PaperWidget* Paper1() const { return paper_; }
+  // A menu or command by its control name ("MainMnuEdit", "MainMnuSave", "mnuFileItem(2)").
+  QMenu* Menu(const std::string& name) const;
+  QAction* Command(const std::string& name) const;
+  QString PanelText(int index) const;
+  QString LabelText(const std::string& name) const;
+
+  // What the commands do; set by the program (and by tests).
+  struct Handlers {
+    std::function<void()> New, Open, Save, SaveAs, Close, ClearRecent;
+    std::function<void(int)> OpenRecent;  // 1..5
+    std::function<bool()> Exit;           // false keeps the program running
+    std::function<void(tavik::ui::Surface&)> Redraw;
+  } handlers;
+
+ protected:
+  void closeEvent(QCloseEvent* e) override;
+
+ private:
+  QMenu* AddMenu(const char* name, const QString& caption);
+  QAction* AddCommand(QMenu* menu, const char* name, const QString& caption, std::function<void()> run);
+  void BuildMenus();
+  void BuildInstrumentFrame();
+  void BuildStatusBar();
+
+  PaperWidget* paper_ = nullptr;
+  QFrame* instFrame_ = nullptr;
+  std::map<std::string, QMenu*> menus_;
+  std::map<std::string, QAction*> commands_;
+  std::vector<QMenu*> documentMenus_;
+  std::vector<QAction*> documentCommands_;
+  std::vector<QAction*> baseMapCommands_;
+  std::array<QAction*, 5> recentItems_{};
+  std::array<QLabel*, 11> panels_{};  // 1..10
+  std::map<std::string, QLabel*> labels_;
+};

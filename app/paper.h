@@ -1,0 +1,25 @@
+// Paper1: the widget that shows the drawing surface. The picture lives in an
+// ImageSurface that the renderer paints through ui::Surface; the widget only copies it
+// to the screen and reports its size changes.
+#pragma once
+
+#include <QWidget>
+#include <functional>
+
+#include "platform/qt/image_surface.h"
+
+class PaperWidget : public QWidget {
+  Q_OBJECT
+ public:
+  explicit PaperWidget(QWidget* parent = nullptr);
+  tavik::ui::ImageSurface& Surface() { return surface_; }
+  // Called after the surface took a new size, to paint the map again.
+  std::function<void()> OnResized;
+
+ protected:
+  void paintEvent(QPaintEvent*) override;
+  void resizeEvent(QResizeEvent*) override;
+
+ private:
+  tavik::ui::ImageSurface surface_;
+};
