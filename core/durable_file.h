@@ -1,0 +1,34 @@
+// Files that must survive a power cut on the field tablet. Whole-file reads and writes
+// in one go (no per-field system calls), appends that reach the disk before the call
+// returns, and replacement by write-beside-then-rename so that a crash at any instant
+// leaves either the old file or the new one, never a half-written one.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace tavik::io {
+
+// Reads the whole file. False when it cannot be opened or read.
+bool ReadWholeFile(const std::filesystem::path& path, std::string& out);
+
+// Writes bytes to a new file (truncating any old one) and flushes it to disk.
+bool WriteNewFile(const std::filesystem::path& path, std::string_view bytes);
+
+// Opens for append (creating the file), appends, flushes the data to disk and closes.
+// When the write fails part-way the file is cut back to its old length, so a failed
+// record never leaves a torn line in the middle of a journal.
+bool AppendDurably(const std::filesystem::path& path, std::string_view bytes);
+
+// Replaces path by a file holding bytes: writes path + "~new" beside it, flushes it,
+// renames it over path and flushes the folder. On failure path is untouched.
+bool ReplaceDurably(const std::filesystem::path& path, std::string_view bytes);
+
+// Flushes a folder's entries (renames, new files) to disk.
+bool SyncFolder(const std::filesystem::path& dir);
+
+// Removes a file; a missing file is not an error, nor is any other failure reported.
+void RemoveQuietly(const std::filesystem::path& path);
+
+}  // namespace tavik::io
