@@ -1,0 +1,445 @@
+// The document cycle with scripted answers and a window made of plain fields.
+#include "core/frame.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+
+#include "core/docfile.h"
+#include "core/tables.h"
+#include "core/text.h"
+#include "platform/scripted/scripted.h"
+#include "temp_home.h"
+
+namespace fs = std::filesystem;
+using namespace tavik;
+using tavik::testing::ReadBytes;
+using tavik::testing::TempHome;
+using tavik::testing::WriteBytes;
+using ui::Answer;
+
+namespace {
+
+struct FieldWindow : FrameWindow {
+  std::string caption;
+  bool documentCommands = false, baseMapCommands = false, paperEnabled = false;
+  std::map<int, std::string> panels;
+  std::string label41, label42, obsBox, mapType, mode;
+  std::vector<std::string> recent;
+  int clears = 0, redraws = 0;
+  void SetCaption(const std::string& c) override { caption = c; }
+  void EnableDocumentCommands(bool e) override { documentCommands = e; }
+  void EnableBaseMapCommands(bool e) override { baseMapCommands = e; }
+  void SetPanel(int i, const std::string& t) override { panels[i] = t; }
+  void SetLabel41(const std::string& t) override { label41 = t; }
+  void SetLabel42(const std::string& t) override { label42 = t; }
+  void SetOBSBox(const std::string& t) override { obsBox = t; }
+  void SetMAPtype(const std::string& t) override { mapType = t; }
+  void SetRecentItems(const std::vector<std::string>& items) override { recent = items; }
+  void SetMeasureModeMenus(const std::string& m) override { mode = m; }
+  void ClearPaper() override { ++clears; }
+  void SetPaperEnabled(bool e) override { paperEnabled = e; }
+  void RedrawPaper() override { ++redraws; }
+  void ShowInstrumentFrame() override {}
+};
+
+// One run of the program over a data folder: state, scripted platform, window, cycle.
+struct Session {
+  explicit Session(const fs::path& home) : app(AppPaths{home}), cycle(app, dialogs, store, window, timers) {
+    app.paths.EnsureFolders();
+    // A view wide enough that everything added lands in the screen tables.
+    app.view.ScreenMinE = app.view.ScreenMinN = -1e9;
+    app.view.ScreenMaxE = app.view.ScreenMaxN = 1e9;
+  }
+  App app;
+  ui::ScriptedDialogs dialogs;
+  ui::MemorySettingsStore store;
+  ui::ManualTimerFactory timers;
+  FieldWindow window;
+  DocumentCycle cycle;
+
+  ui::ManualTimer& Timer5() { return static_cast<ui::ManualTimer&>(cycle.Timer5()); }
+  std::string Work(const std::string& f) const { return (app.paths.WorkFolder() / f).string(); }
+  void NewAt(const std::string& path) {
+    dialogs.files.push_back(path);
+    cycle.New();
+  }
+  void Measure(int points) {
+    for (int i = 1; i <= points; ++i) {
+      ASSERT_TRUE(AddPoint(app.doc, app.view, app.work, 281000 + i, 2752000 + i, 10 + i));
+    }
+    ASSERT_TRUE(AddEntity(app.doc, app.view, app.work, 99, 281001, 2752001, 11, "P1"));
+    // What a measuring command does after adding: mark the change, keep the counts.
+    app.doc.MapChanged = kTrue;
+    app.work.WriteRecoveryHeader(app.doc);
+  }
+};
+
+bool WorkFilesPresent(const AppPaths& p) {
+  return fs::exists(p.TempP0()) && fs::exists(p.TempS0()) && fs::exists(p.TempBM());
+}
+
+}  // namespace
+
+TEST(DocumentCycle, StartupWithNothingShowsNoDocument) {
+  TempHome home;
+  Session s(home.path);
+  s.cycle.Startup();
+  EXPECT_EQ(s.window.caption, "TAVIK");
+  EXPECT_FALSE(s.window.documentCommands);
+  EXPECT_EQ(s.app.doc.ScaleDenominator, 200);  // "TS" mode
+  EXPECT_EQ(s.Timer5().interval, 60000);
+  EXPECT_FALSE(s.Timer5().enabled);
+  EXPECT_EQ(s.window.panels[1], "1 :200");
+}
+
+TEST(DocumentCycle, NewTakesUpAnEmptyDocument) {
+  TempHome home;
+  Session s(home.path);
+  s.cycle.Startup();
+  s.NewAt(s.Work("site1.SPC"));
+  const std::string name = s.Work("site1");
+  EXPECT_EQ(s.app.doc.DocumentName, name);
+  EXPECT_EQ(s.window.caption, "TAVIK - " + name + ".SPC");
+  EXPECT_TRUE(s.window.documentCommands);
+  EXPECT_FALSE(s.window.baseMapCommands);
+  EXPECT_EQ(s.window.mapType, "地形圖");
+  EXPECT_EQ(s.window.panels[1], "1 :100");
+  EXPECT_EQ(s.window.panels[4], "測點 0");
+  EXPECT_EQ(s.window.panels[5], "圖元 0");
+  EXPECT_EQ(s.window.panels[6], "螢幕點 0");
+  EXPECT_EQ(s.window.panels[7], "螢幕圖 0");
+  EXPECT_EQ(s.window.panels[10], "底圖數目: 0");
+  EXPECT_EQ(s.app.doc.ViewCentreE, 280850);
+  EXPECT_EQ(s.app.doc.ViewCentreN, 2752650);
+  EXPECT_TRUE(WorkFilesPresent(s.app.paths));
+  EXPECT_EQ(fs::file_size(s.app.paths.TempP0()), 0u);
+  EXPECT_EQ(ReadBytes(name + ".MAC"), "LS\r\n");
+  EXPECT_TRUE(s.Timer5().enabled);
+  EXPECT_EQ(s.window.recent, std::vector<std::string>{name});
+  EXPECT_EQ(s.store.GetSetting("TAVIK", "Used Files", "1", ""), name);
+}
+
+TEST(DocumentCycle, NewOverAnExistingFileAsksYesNoCancel) {
+  struct Case {
+    const char* legend;
+    Answer answer;
+    std::string expectName;  // "" : nothing opened
+    std::size_t dialogsShown;
+  } cases[] = {
+      {"Yes goes on", Answer::Yes, "old", 2},
+      {"No goes back to the dialog", Answer::No, "other", 3},
+      {"Cancel stops", Answer::Cancel, "", 2},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.legend);
+    TempHome home;
+    Session s(home.path);
+    s.cycle.Startup();
+    WriteBytes(s.Work("old.SPC"), "keep");
+    s.dialogs.files = {s.Work("old.SPC"), s.Work("other.SPC")};
+    s.dialogs.answers = {c.answer};
+    s.cycle.New();
+    ASSERT_GE(s.dialogs.shown.size(), 2u);
+    EXPECT_EQ(s.dialogs.shown[1].text, "此檔已經存在,是否覆蓋?");
+    EXPECT_EQ(s.dialogs.shown[1].title, "發現同名檔");
+    EXPECT_EQ(s.dialogs.shown[1].buttons, ui::Buttons::YesNoCancel);
+    EXPECT_EQ(s.dialogs.shown.size(), c.dialogsShown);
+    EXPECT_EQ(s.app.doc.DocumentName, c.expectName.empty() ? "" : s.Work(c.expectName));
+    // Taking up a new document writes nothing over the old file.
+    EXPECT_EQ(ReadBytes(s.Work("old.SPC")), "keep");
+  }
+}
+
+TEST(DocumentCycle, NewInAFolderWithADotIsNamedAtThatDot) {
+  TempHome home;
+  Session s(home.path);
+  fs::create_directories(home.path / "v1.2" / "maps");
+  s.cycle.Startup();
+  s.NewAt((home.path / "v1.2" / "maps" / "site.SPC").string());
+  EXPECT_EQ(s.app.doc.DocumentName, (home.path / "v1").string());
+  EXPECT_EQ(s.app.doc.SpcPath, (home.path / "v1").string() + ".SPC");
+}
+
+TEST(DocumentCycle, GuardRefusesNewOpenAndRecentWhileChanged) {
+  TempHome home;
+  Session s(home.path);
+  s.cycle.Startup();
+  s.NewAt(s.Work("a.SPC"));
+  s.Measure(1);
+  const std::size_t before = s.dialogs.shown.size();
+  s.cycle.New();
+  s.cycle.Open();
+  s.cycle.OpenRecent(1);
+  ASSERT_EQ(s.dialogs.shown.size(), before + 3);
+  for (std::size_t k = before; k < before + 3; ++k) {
+    EXPECT_EQ(s.dialogs.shown[k].kind, "msg");
+    EXPECT_EQ(s.dialogs.shown[k].text, "請先將目前工作結束,才能另外開圖");
+  }
+  EXPECT_EQ(s.app.doc.DocumentName, s.Work("a"));
+}
+
+TEST(DocumentCycle, OpenRefusesMissingFilesAndForeignExtensions) {
+  TempHome home;
+  Session s(home.path);
+  s.cycle.Startup();
+  WriteBytes(s.Work("notes.txt"), "x");
+  struct Case {
+    std::string file, text, title;
+  } cases[] = {
+      {s.Work("gone.SPC"), "檔案不存在!", "TAVIK"},
+      {s.Work("notes.txt"), "檔案格式或檔案型別不符", "檔名有問題"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.file);
+    s.dialogs.shown.clear();
+    s.dialogs.files = {c.file};
+    s.cycle.Open();
+    ASSERT_EQ(s.dialogs.shown.size(), 2u);
+    EXPECT_EQ(s.dialogs.shown[0].text, OpenFilter);
+    EXPECT_EQ(s.dialogs.shown[1].text, c.text);
+    EXPECT_EQ(s.dialogs.shown[1].title, c.title);
+    EXPECT_FALSE(s.app.doc.IsOpen());
+  }
+}
+
+TEST(DocumentCycle, SaveThenReopenKeepsEverything) {
+  TempHome home;
+  Session s(home.path);
+  s.cycle.Startup();
+  s.NewAt(s.Work("farm.SPC"));
+  s.Measure(3);
+  ASSERT_TRUE(DeletePoint(s.app.doc, s.app.work, 2));
+  s.cycle.Save();
+  const Document& d = s.app.doc;
+  EXPECT_TRUE(fs::exists(s.Work("farm.SPC")));
+  EXPECT_FALSE(d.MapChanged);
+  EXPECT_EQ(s.window.obsBox, "幾秒前已經存檔");
+  EXPECT_FALSE(fs::exists(s.app.paths.TempP0()));  // the journal ends with the save
+  // The reload has dropped the deleted point and renumbered.
+  ASSERT_EQ(d.PointCount, 2);
+  EXPECT_EQ(d.PointTable[1].E, 281003);
+  EXPECT_EQ(d.DeletedPointCount, 0);
+  EXPECT_TRUE(d.UndeleteStack.empty());
+  EXPECT_EQ(s.window.panels[4], "測點 2");
+  EXPECT_EQ(s.window.label42, "1");
+
+  ASSERT_TRUE(s.cycle.Close());
+  EXPECT_FALSE(s.app.doc.IsOpen());
+  EXPECT_EQ(s.window.caption, "TAVIK");
+  EXPECT_FALSE(s.window.documentCommands);
+
+  s.dialogs.files = {s.Work("farm.SPC")};
+  s.cycle.Open();
+  ASSERT_TRUE(s.app.doc.IsOpen());
+  EXPECT_EQ(s.app.doc.PointCount, 2);
+  EXPECT_EQ(s.app.doc.EntityCount, 1);
+  EXPECT_EQ(s.app.doc.EntityTable[0].Name, "P1");
+  EXPECT_FALSE(s.app.doc.MapChanged);
+  EXPECT_EQ(s.window.caption, "TAVIK - " + s.Work("farm") + ".SPC");
+  // Open writes no journal.
+  EXPECT_FALSE(fs::exists(s.app.paths.TempP0()));
+}
+
+TEST(DocumentCycle, LowerCaseSpcOpensAndSavesUnderItsOwnName) {
+  TempHome home;
+  Session s(home.path);
+  s.cycle.Startup();
+  s.NewAt(s.Work("low.SPC"));
+  s.Measure(2);
+  s.cycle.Save();
+  ASSERT_TRUE(s.cycle.Close());
+  fs::rename(s.Work("low.SPC"), s.Work("low.spc"));
+
+  s.dialogs.files = {s.Work("low.spc")};
+  s.cycle.Open();
+  ASSERT_TRUE(s.app.doc.IsOpen());
+  EXPECT_EQ(s.app.doc.PointCount, 2);
+  s.Measure(1);
+  s.cycle.Save();
+  EXPECT_TRUE(fs::exists(s.Work("low.spc")));
+  EXPECT_FALSE(fs::exists(s.Work("low.SPC")));
+  EXPECT_EQ(s.app.doc.PointCount, 3);
+
+  // The recent item adds ".spc" to the stored name; any case of the file is found.
+  ASSERT_TRUE(s.cycle.Close());
+  s.cycle.OpenRecent(1);
+  EXPECT_EQ(s.app.doc.PointCount, 3);
+}
+
+TEST(DocumentCycle, CloseWithChangesAsksAndCancelKeepsEverything) {
+  struct Case {
+    const char* legend;
+    Answer answer;
+    bool closed, saved;
+  } cases[] = {
+      {"Cancel keeps everything", Answer::Cancel, false, false},
+      {"No closes without saving", Answer::No, true, false},
+      {"Yes saves and closes", Answer::Yes, true, true},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.legend);
+    TempHome home;
+    Session s(home.path);
+    s.cycle.Startup();
+    s.NewAt(s.Work("c.SPC"));
+    s.Measure(2);
+    s.dialogs.answers = {c.answer};
+    EXPECT_EQ(s.cycle.Close(), c.closed);
+    EXPECT_EQ(s.dialogs.shown.back().text, "是否存檔?");
+    EXPECT_EQ(s.dialogs.shown.back().title, "螢幕的圖尚未存檔");
+    EXPECT_EQ(s.app.doc.IsOpen(), !c.closed);
+    EXPECT_EQ(WorkFilesPresent(s.app.paths), !c.closed);
+    EXPECT_EQ(fs::exists(s.Work("c.SPC")), c.saved);
+    if (!c.closed) {
+      EXPECT_EQ(s.app.doc.PointCount, 2);
+      EXPECT_TRUE(s.app.doc.MapChanged);
+      EXPECT_TRUE(s.window.documentCommands);
+    }
+  }
+}
+
+TEST(DocumentCycle, ExitAsksAndCancelKeepsTheWorkFiles) {
+  struct Case {
+    const char* legend;
+    Answer answer;
+    bool exits, saved;
+  } cases[] = {
+      {"Cancel stays", Answer::Cancel, false, false},
+      {"No leaves without saving", Answer::No, true, false},
+      {"Yes saves and leaves", Answer::Yes, true, true},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.legend);
+    TempHome home;
+    Session s(home.path);
+    s.cycle.Startup();
+    s.NewAt(s.Work("e.SPC"));
+    s.Measure(1);
+    s.dialogs.answers = {c.answer};
+    EXPECT_EQ(s.cycle.Exit(), c.exits);
+    EXPECT_EQ(s.dialogs.shown.back().text, "圖面有更動,是否存檔?");
+    EXPECT_EQ(s.dialogs.shown.back().title, "提示");
+    EXPECT_EQ(WorkFilesPresent(s.app.paths), !c.exits);
+    EXPECT_EQ(fs::exists(s.Work("e.MAC")), !c.exits);
+    EXPECT_EQ(fs::exists(s.Work("e.SPC")), c.saved);
+    // Software.ini is written whatever the answer.
+    EXPECT_TRUE(fs::exists(s.app.paths.SoftwareIni()));
+  }
+}
+
+TEST(DocumentCycle, WrongSettingsFileIsReplacedAtTheNextExit) {
+  TempHome home;
+  {
+    Session s(home.path);
+    WriteBytes(s.app.paths.Symb() / "Software.ini", "\"GPS\"\r\n1\r\n");
+    s.cycle.Startup();
+    EXPECT_FALSE(fs::exists(s.app.paths.Symb() / "Software.ini"));
+    EXPECT_EQ(s.app.ini.MeasureMode, "TS");
+    s.app.ini.MeasureMode = "GPS";
+    EXPECT_TRUE(s.cycle.Exit());
+  }
+  Session again(home.path);
+  again.cycle.Startup();
+  EXPECT_EQ(again.app.ini.MeasureMode, "GPS");
+  EXPECT_EQ(again.app.doc.ScaleDenominator, 1000);
+}
+
+TEST(DocumentCycle, CrashLeavesAJournalThatTheNextStartTakesUp) {
+  TempHome home;
+  std::string name;
+  {
+    Session s(home.path);
+    s.cycle.Startup();
+    s.NewAt(s.Work("field.SPC"));
+    s.Measure(4);
+    name = s.app.doc.DocumentName;
+    // The process dies here: no Exit.
+  }
+  Session s(home.path);
+  s.cycle.Startup();
+  const Document& d = s.app.doc;
+  ASSERT_EQ(d.DocumentName, name);
+  EXPECT_EQ(d.PointCount, 4);
+  EXPECT_EQ(d.EntityCount, 1);
+  EXPECT_EQ(d.PointTable[3].E, 281004);
+  EXPECT_TRUE(d.MapChanged);  // nothing of it is saved yet
+  EXPECT_EQ(s.window.caption, "TAVIK - " + name + ".SPC");
+  EXPECT_EQ(s.window.panels[4], "測點 4");
+  EXPECT_TRUE(s.dialogs.Messages().empty()) << s.dialogs.Messages().front();
+  EXPECT_EQ(s.window.recent.front(), name);
+}
+
+TEST(DocumentCycle, EmptyJournalOfANewDocumentIsRemovedAtStart) {
+  TempHome home;
+  {
+    Session s(home.path);
+    s.cycle.Startup();
+    s.NewAt(s.Work("blank.SPC"));
+  }
+  Session s(home.path);
+  s.cycle.Startup();
+  EXPECT_FALSE(s.app.doc.IsOpen());
+  EXPECT_FALSE(fs::exists(s.app.paths.TempP0()));
+  EXPECT_FALSE(fs::exists(s.app.paths.TempS0()));
+}
+
+TEST(DocumentCycle, AutosaveCountsChangedMinutesThenSaves) {
+  TempHome home;
+  Session s(home.path);
+  s.cycle.Startup();
+  s.NewAt(s.Work("auto.SPC"));
+  s.Timer5().Fire();  // unchanged: nothing counts
+  EXPECT_EQ(s.app.MinutesSinceSave, 0);
+  s.Measure(1);
+  for (int m = 1; m <= 4; ++m) {
+    s.Timer5().Fire();
+    EXPECT_EQ(s.window.obsBox, std::to_string(m) + "分鐘前已存檔");
+  }
+  EXPECT_FALSE(fs::exists(s.Work("auto.SPC")));
+  s.Timer5().Fire();
+  EXPECT_TRUE(fs::exists(s.Work("auto.SPC")));
+  EXPECT_EQ(s.window.obsBox, "幾秒前已經存檔");
+  EXPECT_EQ(s.app.MinutesSinceSave, 0);
+  EXPECT_FALSE(s.app.doc.MapChanged);
+
+  s.Measure(1);
+  s.cycle.AutoSaveOff();
+  EXPECT_EQ(s.window.obsBox, "自動存檔: 己關閉");
+  EXPECT_FALSE(s.Timer5().enabled);
+  s.Timer5().enabled = true;  // even a stray tick saves nothing now
+  s.Timer5().Fire();
+  EXPECT_EQ(s.app.MinutesSinceSave, 0);
+}
+
+TEST(DocumentCycle, SaveAsWritesUnderTheNewNameAndAsksBeforeOverwriting) {
+  TempHome home;
+  Session s(home.path);
+  s.cycle.Startup();
+  s.NewAt(s.Work("first.SPC"));
+  s.Measure(2);
+  WriteBytes(s.Work("taken.SPC"), "old");
+  s.dialogs.files = {s.Work("taken.SPC"), s.Work("second.SPC")};
+  s.dialogs.answers = {Answer::No};
+  s.cycle.SaveAs();
+  EXPECT_EQ(s.dialogs.shown[s.dialogs.shown.size() - 2].title, "檔名重覆");
+  EXPECT_EQ(ReadBytes(s.Work("taken.SPC")), "old");
+  EXPECT_TRUE(fs::exists(s.Work("second.SPC")));
+  EXPECT_EQ(s.app.doc.DocumentName, s.Work("second"));
+  EXPECT_EQ(s.window.caption, "TAVIK - " + s.Work("second") + ".SPC");
+  EXPECT_EQ(s.app.doc.PointCount, 2);
+}
+
+TEST(DocumentCycle, RecentItemOfAMissingFileSaysSo) {
+  TempHome home;
+  Session s(home.path);
+  s.store.SaveSetting("TAVIK", "Used Files", "1", s.Work("vanished"));
+  s.cycle.Startup();
+  ASSERT_EQ(s.window.recent.size(), 1u);
+  s.cycle.OpenRecent(1);
+  EXPECT_EQ(s.dialogs.Messages(), std::vector<std::string>{"檔案不存在!"});
+  s.cycle.ClearRecent();
+  EXPECT_TRUE(s.window.recent.empty());
+  EXPECT_TRUE(s.store.GetAllSettings("TAVIK", "Used Files").empty());
+}
