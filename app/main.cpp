@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string>
 
-#include "app/mainfrm.h"
+#include "app/program.h"
 #include "core/app_paths.h"
 #include "core/instance_lock.h"
 #include "platform/qt/qt_dialogs.h"
@@ -16,8 +16,8 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName("TAVIK");
   QApplication::setFont(QFont("WenQuanYi Zen Hei", 10));
 
-  // --screenshot FILE.png: show the window, save a picture of it and end (for checking
-  // the layout headless). --demo is accepted for the demonstration run.
+  // --screenshot FILE.png: show the window, save a picture of it and end without the
+  // exit questions (for checking the layout headless). --demo starts as usual.
   std::string screenshot;
   for (int i = 1; i < argc; ++i) {
     if (std::strcmp(argv[i], "--screenshot") == 0 && i + 1 < argc) screenshot = argv[++i];
@@ -25,22 +25,22 @@ int main(int argc, char** argv) {
 
   tavik::AppPaths paths = tavik::AppPaths::FromEnvironment();
   paths.EnsureFolders();
-  tavik::ui::QtDialogs dialogs;
 
   tavik::InstanceLock lock;
   if (!lock.Acquire(paths.LockFile())) {
+    tavik::ui::QtDialogs dialogs;
     dialogs.MsgBox("您不能開啟兩個TAVIK", "已有一個TAVIK在運作中", tavik::ui::Buttons::Ok,
                    tavik::ui::Icon::Exclamation, std::nullopt);
     return 1;
   }
 
-  MainFrm frm;
-  dialogs.SetParent(&frm);
-  frm.showMaximized();
+  Program program(paths);
+  program.frm.showMaximized();
+  program.Start();
 
   if (!screenshot.empty()) {
-    QTimer::singleShot(800, &frm, [&] {
-      frm.grab().save(QString::fromStdString(screenshot));
+    QTimer::singleShot(800, &program.frm, [&] {
+      program.frm.grab().save(QString::fromStdString(screenshot));
       qapp.exit(0);
     });
   }

@@ -1,0 +1,28 @@
+#include "app/program.h"
+
+#include "view/transform.h"
+
+Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
+    : app(paths),
+      qtDialogs(&frm),
+      dialogs(replacement ? *replacement : static_cast<tavik::ui::Dialogs&>(qtDialogs)),
+      store(paths.Home),
+      cycle(app, dialogs, store, frm, timers) {
+  cycle.hooks.ComputeView = [this](tavik::Document& doc, tavik::View& view) {
+    tavik::view::SetViewportSize(view, frm.Paper1()->Surface().Width(), frm.Paper1()->Surface().Height());
+    tavik::view::ComputeView(doc, view);
+  };
+
+  auto& h = frm.handlers;
+  h.New = [this] { cycle.New(); };
+  h.Open = [this] { cycle.Open(); };
+  h.Save = [this] { cycle.Save(); };
+  h.SaveAs = [this] { cycle.SaveAs(); };
+  h.Close = [this] { cycle.Close(); };
+  h.OpenRecent = [this](int k) { cycle.OpenRecent(k); };
+  h.ClearRecent = [this] { cycle.ClearRecent(); };
+  h.Exit = [this] { return cycle.Exit(); };
+  h.Redraw = [](tavik::ui::Surface& s) { s.Clear(tavik::ui::MakeRgb(255, 255, 255)); };
+}
+
+void Program::Start() { cycle.Startup(); }

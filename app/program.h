@@ -1,0 +1,30 @@
+// The running program: the application state, the Qt ends of the platform, the main
+// window and the document cycle, wired together. main() makes one; the window tests
+// make one over a temporary data folder with scripted dialogs.
+#pragma once
+
+#include <memory>
+
+#include "app/mainfrm.h"
+#include "core/app_state.h"
+#include "core/frame.h"
+#include "platform/qt/qt_dialogs.h"
+#include "platform/qt/qt_settings_store.h"
+#include "platform/qt/qt_timer.h"
+
+class Program {
+ public:
+  // `dialogs` replaces the Qt message boxes and file dialogs when given (tests).
+  explicit Program(tavik::AppPaths paths, tavik::ui::Dialogs* dialogs = nullptr);
+
+  // Start-up from the window's load on: defaults, settings, crash check, recent list.
+  void Start();
+
+  tavik::App app;
+  MainFrm frm;
+  tavik::ui::QtDialogs qtDialogs;
+  tavik::ui::Dialogs& dialogs;
+  tavik::ui::QtSettingsStore store;
+  tavik::ui::QtTimerFactory timers;
+  tavik::DocumentCycle cycle;
+};
