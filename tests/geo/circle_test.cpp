@@ -1,0 +1,210 @@
+// Circles and arcs through three points: centre, nudge, half-sweep point, drawing and
+// sampling counts.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "geo/circle.h"
+#include "geo/constants.h"
+#include "platform/scripted/scripted.h"
+
+namespace tavik {
+namespace {
+
+double Dist(double e1, double n1, double e2, double n2) { return std::hypot(e2 - e1, n2 - n1); }
+
+TEST(CircleCentre3, CentreOfThreePoints) {
+  double ec = 0, nc = 0;
+  CircleCentre3(105, 200, 100, 205, 95, 200, ec, nc);
+  EXPECT_DOUBLE_EQ(100, ec);
+  EXPECT_DOUBLE_EQ(200, nc);
+  CircleCentre3(250010, 2650000, 250000, 2650010, 250006, 2650008, ec, nc);
+  EXPECT_NEAR(250000, ec, 1e-6);
+  EXPECT_NEAR(2650000, nc, 1e-6);
+}
+
+TEST(SeparationNudge, MovesTheSecondOfEachEqualPairInOrder) {
+  double e1 = 5, n1 = 1, e2 = 5, n2 = 2, e3 = 5.0001, n3 = 1;
+  SeparationNudge(e1, n1, e2, n2, e3, n3);
+  // E2 moves to 5.0001, which then equals E3, so E3 moves on; N1 = N3 moves N3.
+  EXPECT_EQ(5, e1);
+  EXPECT_EQ(5 + 0.0001, e2);
+  EXPECT_EQ(5.0001 + 0.0001, e3);
+  EXPECT_EQ(1, n1);
+  EXPECT_EQ(2, n2);
+  EXPECT_EQ(1 + 0.0001, n3);
+}
+
+TEST(ArcMidPoint, HalfTheSweepOnEitherTurn) {
+  ui::ScriptedDialogs dlg;
+  struct Case {
+    const char* what;
+    double e1, n1, e2, n2, e3, n3, em, nm;
+  } cases[] = {
+      // Radius 10 round (0, 0); the midpoint lies opposite the chord's outside.
+      {"clockwise over the north", -10, 0, 0, 10, 10, 0, 0, 10},
+      {"counterclockwise over the south", -10, 0, 0, -10, 10, 0, 0, -10},
+      {"quarter arc east to north", 10, 0, 7.0710678118654755, 7.0710678118654755, 0, 10, 7.0710678118654755,
+       7.0710678118654755},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    double em = 0, nm = 0, hm = 0;
+    ASSERT_TRUE(ArcMidPoint(dlg, 1, c.e1, c.n1, 0, c.e2, c.n2, c.e3, c.n3, 0, em, nm, hm));
+    EXPECT_NEAR(c.em, em, 2e-4);  // the nudge moves points by 0.0001
+    EXPECT_NEAR(c.nm, nm, 2e-4);
+  }
+  EXPECT_TRUE(dlg.shown.empty());
+}
+
+TEST(ArcMidPoint, HeightRules) {
+  ui::ScriptedDialogs dlg;
+  struct Case {
+    int16_t mapType;
+    double h1, h3, want;
+  } cases[] = {{1, 10, 20, 15}, {1, 0, 20, 20}, {1, 10, -1, 10}, {1, 0, 0, 7}, {2, 10, 20, 7}};
+  for (const auto& c : cases) {
+    double em = 0, nm = 0, hm = 7;
+    ArcMidPoint(dlg, c.mapType, -10, 0, c.h1, 0, 10, 10, 0, c.h3, em, nm, hm);
+    EXPECT_EQ(c.want, hm);
+  }
+}
+
+TEST(ThreePointRoutines, CollinearPoints) {
+  ui::ScriptedDialogs dlg;
+  ui::RecordingSurface paper;
+  View v;
+  double em = 1, nm = 2, hm = 3, len = 4;
+  EXPECT_FALSE(ArcMidPoint(dlg, 1, 5, 5, 0, 5, 5, 5, 5, 0, em, nm, hm));
+  EXPECT_FALSE(DrawArc3(paper, dlg, v, 100, 0, 0, 1, 1, 2, 2, len));
+  EXPECT_EQ((std::vector<std::string>{"錯誤:三點共線.", "錯誤:三點共線."}), dlg.Messages());
+  EXPECT_EQ(1, em);
+  EXPECT_EQ(4, len);
+  EXPECT_TRUE(paper.ops.empty());
+  std::vector<double> e = {9}, n = {9};
+  SampleArc3(5, 5, 5, 5, 5, 5, e, n);  // says nothing, leaves the arrays
+  EXPECT_EQ(std::vector<double>{9}, e);
+  EXPECT_EQ(2u, dlg.shown.size());
+}
+
+TEST(DrawArc3, SingleArcAndArcAcrossZero) {
+  ui::ScriptedDialogs dlg;
+  View v;
+  v.PaperMinE = 0;
+  v.PaperMaxN = 100;
+  // Points on a circle of radius 10 m round (50, 50), by azimuth in degrees. At 1:100
+  // one metre is 32.5 pixels, so the radius on paper is 325 pixels.
+  auto at = [](double deg, double& e, double& n) {
+    e = 50 + 10 * std::sin(deg * Pi / 180);
+    n = 50 + 10 * std::cos(deg * Pi / 180);
+  };
+  struct Case {
+    const char* what;
+    double az1, az2, az3;
+    std::vector<double> pieces;  // surface angles in degrees, two per arc drawn
+  } cases[] = {
+      // Clockwise on the ground from 290° over 10° to 80°: on the surface (counted
+      // counterclockwise from east) from 10° to 160°, one piece.
+      {"one piece", 290, 10, 80, {10, 160}},
+      // Clockwise from 20° over 90° to 150°: surface 300° to 70°, across zero.
+      {"across zero", 20, 90, 150, {300, 360, 0, 70}},
+      // The same arc given from its other end turns the other way and draws the same.
+      {"reversed", 150, 90, 20, {300, 360, 0, 70}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    double e1, n1, e2, n2, e3, n3;
+    at(c.az1, e1, n1);
+    at(c.az2, e2, n2);
+    at(c.az3, e3, n3);
+    ui::RecordingSurface paper;
+    double len = 0;
+    ASSERT_TRUE(DrawArc3(paper, dlg, v, 100, e1, n1, e2, n2, e3, n3, len));
+    ASSERT_EQ(c.pieces.size() / 2, paper.Count("arc"));
+    double sweep = 0;
+    for (std::size_t i = 0; i < paper.ops.size(); ++i) {
+      const auto& a = paper.ops[i].v;
+      EXPECT_NEAR(50 * 32.5, a[0], 1e-3);
+      EXPECT_NEAR(50 * 32.5, a[1], 1e-3);
+      EXPECT_NEAR(325, a[2], 1e-3);
+      EXPECT_NEAR(c.pieces[2 * i] * Pi / 180, a[3], 1e-9);
+      EXPECT_NEAR(c.pieces[2 * i + 1] * Pi / 180, a[4], 1e-9);
+      sweep += a[4] - a[3];
+    }
+    EXPECT_NEAR(sweep * 325, len, 1e-2);
+  }
+  EXPECT_TRUE(dlg.shown.empty());
+}
+
+TEST(SampleCircle, StepCountsAndClosure) {
+  struct Case {
+    double radius;
+    int32_t steps;
+  } cases[] = {{0, 36}, {45, 36}, {100, 36}, {120, 42}, {300, 78}, {-5, 36}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.radius);
+    EXPECT_EQ(c.steps, CircleSteps(c.radius));
+    std::vector<double> e, n;
+    SampleCircle(1000, 2000, c.radius, e, n);
+    ASSERT_EQ(static_cast<std::size_t>(c.steps + 1), e.size());
+    EXPECT_EQ(e.front(), e.back());
+    EXPECT_EQ(n.front(), n.back());
+    EXPECT_EQ(1000, e[0]);                // first vertex due north
+    EXPECT_EQ(2000 + c.radius, n[0]);
+    for (std::size_t i = 0; i < e.size(); ++i) EXPECT_NEAR(std::fabs(c.radius), Dist(1000, 2000, e[i], n[i]), 1e-9);
+  }
+}
+
+TEST(SampleArc3, CountsAndEnds) {
+  // A half circle of radius 100 (36 steps a turn): 18 steps of 10°, so 19 vertices,
+  // unless the float sweep falls a hair short of 18 steps; then the end is still exact.
+  std::vector<double> e, n;
+  SampleArc3(-100, 0, 0, 100, 100, 0, e, n);
+  ASSERT_GE(e.size(), 18u);
+  ASSERT_LE(e.size(), 19u);
+  EXPECT_NEAR(-100, e.front(), 1e-9);
+  EXPECT_NEAR(0, n.front(), 1e-9);
+  EXPECT_NEAR(100, e.back(), 1e-9);
+  EXPECT_NEAR(0, n.back(), 1e-9);
+  for (std::size_t i = 0; i < e.size(); ++i) {
+    EXPECT_NEAR(100, Dist(0, 0, e[i], n[i]), 1e-9);
+    EXPECT_GE(n[i], -1e-9);  // over the north, the way point 2 lies
+  }
+  // The same points taken the other way round give the same half, reversed in turn.
+  std::vector<double> e2, n2;
+  SampleArc3(100, 0, 0, 100, -100, 0, e2, n2);
+  ASSERT_EQ(e.size(), e2.size());
+  for (std::size_t i = 0; i < e2.size(); ++i) EXPECT_GE(n2[i], -1e-9);
+
+  // A short arc of 25° at radius 300 (78 steps a turn, 4.615° each): Int(25 / 4.615) = 5
+  // steps, 6 vertices, the last on point 3.
+  const double r = 300, a3 = 25 * Pi / 180;
+  std::vector<double> e3, n3;
+  SampleArc3(0, r, r * std::sin(a3 / 2), r * std::cos(a3 / 2), r * std::sin(a3), r * std::cos(a3), e3, n3);
+  ASSERT_EQ(6u, e3.size());
+  EXPECT_NEAR(r * std::sin(a3), e3.back(), 1e-9);
+  EXPECT_NEAR(r * std::sin(TwoPi / 78), e3[1], 1e-6);
+}
+
+TEST(SampleArc3, FirstTwoPointsOnOneGridLine) {
+  // E1 = E2 leaves the centre formula nothing to divide by; the arc is still sampled.
+  // North over south to east turns counterclockwise, so the chain runs clockwise from
+  // point 3 to point 1: 270° in steps of 10°.
+  std::vector<double> e, n;
+  SampleArc3(0, 100, 0, -100, 100, 0, e, n);
+  ASSERT_GE(e.size(), 27u);
+  ASSERT_LE(e.size(), 28u);
+  EXPECT_NEAR(100, e.front(), 1e-3);
+  EXPECT_NEAR(0, n.front(), 1e-3);
+  EXPECT_NEAR(0, e.back(), 1e-3);
+  EXPECT_NEAR(100, n.back(), 1e-3);
+  bool passesSouth = false;
+  for (std::size_t i = 0; i < e.size(); ++i) {
+    EXPECT_NEAR(100, Dist(0, 0, e[i], n[i]), 1e-3);
+    passesSouth = passesSouth || Dist(0, -100, e[i], n[i]) < 1e-3;
+  }
+  EXPECT_TRUE(passesSouth);
+}
+
+}  // namespace
+}  // namespace tavik
