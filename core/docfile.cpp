@@ -199,6 +199,12 @@ void PurgeZeroEntities(Document& doc) {
 }
 
 bool SaveDocument(Document& doc, WorkFiles& wf, ui::Dialogs& dialogs) {
+  if (!WriteDocumentFile(doc, dialogs)) return false;
+  wf.RemoveAll();
+  return true;
+}
+
+bool WriteDocumentFile(Document& doc, ui::Dialogs& dialogs) {
   const std::size_t np = std::min<std::size_t>(doc.PointTable.size(), CountOf(doc.PointCount));
   const std::size_t ne = std::min<std::size_t>(doc.EntityTable.size(), CountOf(doc.EntityCount));
   const std::size_t nb = std::min<std::size_t>(doc.BaseMapTable.size(), CountOf(doc.BaseMapCount));
@@ -300,7 +306,6 @@ bool SaveDocument(Document& doc, WorkFiles& wf, ui::Dialogs& dialogs) {
   doc.DeletedPointCount = 0;
   doc.EntityCount = entitiesWritten;
   doc.DeletedEntityCount = 0;
-  wf.RemoveAll();
   return true;
 }
 
@@ -444,28 +449,6 @@ bool LoadDocument(Document& doc, ui::Dialogs& dialogs) {
   return true;
 }
 
-bool RecomputeExtent(Document& doc) {
-  ResetExtent(doc);
-  bool any = false;
-  auto take = [&](double E, double N) {
-    UpdateExtent(doc, E, N);
-    any = true;
-  };
-  auto used = [](int16_t kind) { return kind == KindPoint ? 1 : (kind == KindCircle3 || kind == KindArc3) ? 3 : 2; };
-  for (std::size_t i = 0; i < std::min<std::size_t>(doc.PointTable.size(), CountOf(doc.PointCount)); ++i)
-    if (!doc.PointTable[i].Deleted) take(doc.PointTable[i].E, doc.PointTable[i].N);
-  for (std::size_t i = 0; i < std::min<std::size_t>(doc.EntityTable.size(), CountOf(doc.EntityCount)); ++i) {
-    const Entity& e = doc.EntityTable[i];
-    if (e.Deleted) continue;
-    for (int k = 0; k < used(e.Kind); ++k) take(e.X[k], e.Y[k]);
-  }
-  for (std::size_t i = 0; i < std::min<std::size_t>(doc.BaseMapTable.size(), CountOf(doc.BaseMapCount)); ++i) {
-    const BaseMapLine& b = doc.BaseMapTable[i];
-    for (int k = 0; k < used(b.Kind); ++k) take(b.X[k], b.Y[k]);
-  }
-  return any;
-}
-
 bool ReadOldDocument(Document& doc, ui::Dialogs& dialogs) {
   std::string data;
   if (!io::ReadWholeFile(Existing(doc.SpPath), data)) {
@@ -527,11 +510,6 @@ bool ReadOldDocument(Document& doc, ui::Dialogs& dialogs) {
     doc.BaseMapTable.push_back(std::move(b));
   }
   doc.BaseMapCount = static_cast<int32_t>(doc.BaseMapTable.size());
-
-  if (RecomputeExtent(doc)) {
-    doc.ViewCentreE = (doc.MinE + doc.MaxE) / 2;
-    doc.ViewCentreN = (doc.MinN + doc.MaxN) / 2;
-  }
   return true;
 }
 

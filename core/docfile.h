@@ -36,6 +36,10 @@ void PurgeZeroEntities(Document& doc);
 // previous .SPC and the tables as they were, and returns false.
 bool SaveDocument(Document& doc, WorkFiles& wf, ui::Dialogs& dialogs);
 
+// SaveDocument without the work files: for writing a document that is not the open one
+// (the command-line conversion).
+bool WriteDocumentFile(Document& doc, ui::Dialogs& dialogs);
+
 // Reads doc.SpcPath into the tables, with every filter and version rule of the format.
 // A file whose three counts are all 0: SpcPath + "檔案沒有內容" under "讀檔動作取消",
 // false, tables untouched. Sets MapChanged when it had to drop entities.
@@ -45,17 +49,13 @@ bool LoadDocument(Document& doc, ui::Dialogs& dialogs);
 // extent and rebuilding the screen tables) are the map view's: those two routines are
 // declared in view/document_view.h. Their file parts are here.
 
-// Reads doc.SpPath (the older format) into the tables, recomputes the extent over all
-// live data and centres the view on it.
+// Reads doc.SpPath (the older format) into the tables: MapType, every point, the items
+// as entities, and the items of code 299 as base-map lines. The station is cleared.
 bool ReadOldDocument(Document& doc, ui::Dialogs& dialogs);
 
 // Appends the points and entities of another .SPC, past the open document's reference
 // map rows, and rewrites the three work files. A file with no entities: doc.SpcPath +
 // "檔案沒有內容" under "合併動作取消", false.
 bool MergeDocumentRecords(Document& doc, WorkFiles& wf, const std::string& path, ui::Dialogs& dialogs);
-
-// Sets the extent from every live point, entity vertex and base-map vertex in use.
-// False when there is nothing to take it from (the extent is then reset).
-bool RecomputeExtent(Document& doc);
 
 }  // namespace tavik

@@ -485,13 +485,6 @@ TEST_F(DocFileTest, OldDocumentFormatIsRead) {
   EXPECT_EQ(d.BaseMapTable[0].Code, 0);
   EXPECT_EQ(d.BaseMapTable[0].Kind, KindLine);
   EXPECT_EQ(d.BaseMapTable[0].Y[1], 80);
-  // Extent over points, entity vertices and base-map lines.
-  EXPECT_EQ(d.MinE, 0);
-  EXPECT_EQ(d.MaxE, 150);
-  EXPECT_EQ(d.MinN, 60);
-  EXPECT_EQ(d.MaxN, 300);
-  EXPECT_EQ(d.ViewCentreE, 75);
-  EXPECT_EQ(d.ViewCentreN, 180);
 }
 
 TEST_F(DocFileTest, MergeSkipsTheReferenceRowsAndAppends) {
