@@ -1,0 +1,124 @@
+// MainFrm with the whole program behind it, scripted dialogs in front, offscreen.
+#include <QAction>
+#include <QMenu>
+#include <QMenuBar>
+#include <QtTest>
+#include <filesystem>
+
+#include "app/program.h"
+#include "core/tables.h"
+#include "platform/scripted/scripted.h"
+#include "core/temp_home.h"
+
+namespace fs = std::filesystem;
+
+class MainFrmTest : public QObject {
+  Q_OBJECT
+
+ private:
+  static QStringList MenuCaptions(const QMenuBar* bar) {
+    QStringList out;
+    for (QAction* a : bar->actions()) out << a->text();
+    return out;
+  }
+
+ private slots:
+  void menusAndCaptionsBeforeADocument() {
+    tavik::testing::TempHome home;
+    tavik::ui::ScriptedDialogs dialogs;
+    Program p(tavik::AppPaths{home.path}, &dialogs);
+    p.app.paths.EnsureFolders();
+    p.Start();
+    QCOMPARE(p.frm.windowTitle(), QString("TAVIK"));
+    QCOMPARE(MenuCaptions(p.frm.menuBar()),
+             QStringList({"檔案(&F)", "測量(&M)", "編輯(&E)", "檢視(&V)", "匯入(&I)", "匯出(&X)", "工具(&U)",
+                          "底圖(&B)", "設定(&T)", "收工(&D)"}));
+    const std::pair<const char*, const char*> file[] = {
+        {"MainMnuNew", "開新圖檔(&N)..."}, {"MainMnuOpen", "開啟舊圖檔(&O)..."}, {"MainMnuSave", "存檔(&S)"},
+        {"MainMnuSaveAs", "另存新檔(&A)..."}, {"MainMnuClose", "關閉圖檔(&C)"}, {"MainMnuExit", "結束(&X)"}};
+    for (const auto& [name, caption] : file) {
+      QAction* a = p.frm.Command(name);
+      QVERIFY2(a, name);
+      QCOMPARE(a->text(), QString(caption));
+    }
+    // Without a document only New, Open and Exit are offered.
+    QVERIFY(p.frm.Command("MainMnuNew")->isEnabled());
+    QVERIFY(p.frm.Command("MainMnuOpen")->isEnabled());
+    QVERIFY(!p.frm.Command("MainMnuSave")->isEnabled());
+    QVERIFY(!p.frm.Command("MainMnuClose")->isEnabled());
+    for (const char* m : {"MainMnuMete", "MainMnuEdit", "MainMnuView", "MainMnuImport", "MainMnuExport", "MainMnuU",
+                          "MainMnuBasemap", "MainMnuSetup", "MainMnuEnd"}) {
+      QVERIFY2(p.frm.Menu(m), m);
+      QVERIFY2(!p.frm.Menu(m)->menuAction()->isEnabled(), m);
+    }
+    for (int k = 1; k <= 5; ++k)
+      QVERIFY(!p.frm.Command("mnuFileItem(" + std::to_string(k) + ")")->isVisible());
+    QCOMPARE(p.frm.PanelText(1), QString("1 :200"));
+  }
+
+  void newDocumentThroughTheMenu() {
+    tavik::testing::TempHome home;
+    tavik::ui::ScriptedDialogs dialogs;
+    Program p(tavik::AppPaths{home.path}, &dialogs);
+    p.app.paths.EnsureFolders();
+    p.frm.resize(1000, 700);
+    p.frm.show();
+    p.Start();
+    const std::string name = (p.app.paths.WorkFolder() / "甲地").string();
+    dialogs.files = {name + ".SPC"};
+    p.frm.Command("MainMnuNew")->trigger();
+    QCOMPARE(p.frm.windowTitle(), QString::fromStdString("TAVIK - " + name + ".SPC"));
+    QVERIFY(p.frm.Command("MainMnuSave")->isEnabled());
+    QVERIFY(p.frm.Menu("MainMnuMete")->menuAction()->isEnabled());
+    QVERIFY(!p.frm.Command("BMRemove")->isEnabled());
+    QCOMPARE(p.frm.PanelText(1), QString("1 :100"));
+    QCOMPARE(p.frm.PanelText(4), QString("測點 0"));
+    QCOMPARE(p.frm.PanelText(5), QString("圖元 0"));
+    QCOMPARE(p.frm.PanelText(6), QString("螢幕點 0"));
+    QCOMPARE(p.frm.PanelText(7), QString("螢幕圖 0"));
+    QCOMPARE(p.frm.PanelText(10), QString("底圖數目: 0"));
+    QCOMPARE(p.frm.LabelText("MAPtype"), QString("地形圖"));
+    QAction* first = p.frm.Command("mnuFileItem(1)");
+    QVERIFY(first->isVisible());
+    QCOMPARE(first->text(), QString::fromStdString("&1 " + name));
+
+    // A change, then the window's close: Cancel keeps the program and its journal.
+    QVERIFY(tavik::AddPoint(p.app.doc, p.app.view, p.app.work, 281000, 2752000, 5));
+    p.app.doc.MapChanged = tavik::kTrue;
+    dialogs.answers = {tavik::ui::Answer::Cancel};
+    QVERIFY(!p.frm.close());
+    QVERIFY(p.frm.isVisible());
+    QVERIFY(fs::exists(p.app.paths.TempP0()));
+    // Yes saves, and the window may go.
+    dialogs.answers = {tavik::ui::Answer::Yes};
+    QVERIFY(p.frm.close());
+    QVERIFY(fs::exists(name + ".SPC"));
+    QVERIFY(!fs::exists(p.app.paths.TempP0()));
+  }
+
+  void recentItemsSurviveARestart() {
+    tavik::testing::TempHome home;
+    const tavik::AppPaths paths{home.path};
+    paths.EnsureFolders();
+    const std::string name = (paths.WorkFolder() / "r").string();
+    {
+      tavik::ui::ScriptedDialogs dialogs;
+      Program p(paths, &dialogs);
+      p.Start();
+      dialogs.files = {name + ".SPC"};
+      p.cycle.New();
+      QVERIFY(p.frm.close());
+    }
+    tavik::ui::ScriptedDialogs dialogs;
+    Program p(paths, &dialogs);
+    p.Start();
+    QVERIFY(p.frm.Command("mnuFileItem(1)")->isVisible());
+    QCOMPARE(p.frm.Command("mnuFileItem(1)")->data().toString(), QString::fromStdString(name));
+    QVERIFY(!p.frm.Command("mnuFileItem(2)")->isVisible());
+    p.frm.Command("mnuFileClear")->trigger();
+    QVERIFY(!p.frm.Command("mnuFileItem(1)")->isVisible());
+  }
+};
+
+QTEST_MAIN(MainFrmTest)
+#include "mainfrm_test.moc"

@@ -1,0 +1,104 @@
+// The Qt ends of the platform interfaces.
+#include <QtTest>
+#include <filesystem>
+
+#include "core/temp_home.h"
+#include "platform/qt/image_surface.h"
+#include "platform/qt/qt_dialogs.h"
+#include "platform/qt/qt_settings_store.h"
+#include "platform/qt/qt_timer.h"
+
+using namespace tavik::ui;
+
+class PlatformQtTest : public QObject {
+  Q_OBJECT
+
+ private:
+  static int CountNonWhite(const QImage& img) {
+    int n = 0;
+    for (int y = 0; y < img.height(); ++y)
+      for (int x = 0; x < img.width(); ++x) n += img.pixel(x, y) != qRgb(255, 255, 255);
+    return n;
+  }
+
+ private slots:
+  void filtersMatchAnyCase() {
+    QCOMPARE(QtFilterFromClassic("Map 7.22(*.SPC)|*.SPC|所有檔案(*.*)|*.*"),
+             QString("Map 7.22(*.SPC) (*.[sS][pP][cC]);;所有檔案(*.*) (*)"));
+    QCOMPARE(QtFilterFromClassic("Map 7.22(*.SPC)|*.SPC|MAP (*.SP)|*.sp|所有檔案(*.*)|*.*"),
+             QString("Map 7.22(*.SPC) (*.[sS][pP][cC]);;MAP (*.SP) (*.[sS][pP]);;所有檔案(*.*) (*)"));
+    QCOMPARE(QtFilterFromClassic("DXF(*.dxf)|*.dxf;*.dwg"), QString("DXF(*.dxf) (*.[dD][xX][fF] *.[dD][wW][gG])"));
+  }
+
+  void invertedFiguresDrawnTwiceVanish() {
+    ImageSurface s(200, 150);
+    s.Clear(MakeRgb(255, 255, 255));
+    s.SetPen(MakeRgb(255, 0, 0), 1, LineStyle::Solid);
+    s.Line(10, 10, 190, 140);
+    const QImage base = s.Image().copy();
+    QVERIFY(CountNonWhite(base) > 150);
+    QCOMPARE(QColor(base.pixel(10, 10)), QColor(255, 0, 0));
+
+    s.SetDrawMode(DrawMode::Invert);
+    for (int pass = 0; pass < 2; ++pass) {
+      s.Line(5, 140, 195, 20);
+      s.Circle(100, 75, 40);
+      s.Arc(100, 75, 60, 0.3, 2.5);
+      s.Line(20, 20, 180, 20);
+      if (pass == 0) QVERIFY(s.Image() != base);
+    }
+    QVERIFY(s.Image() == base);
+  }
+
+  void textInChineseAndBadCoordinatesAreSafe() {
+    ImageSurface s(120, 40);
+    s.Clear(MakeRgb(255, 255, 255));
+    s.Text(2, 2, "測點 12", MakeRgb(0, 0, 0), 16);
+    QVERIFY(CountNonWhite(s.Image()) > 40);
+    const QImage before = s.Image().copy();
+    s.Line(std::nanf(""), 0, 10, 10);
+    s.Line(0, 0, 1e30f, 1e30f);
+    s.Circle(10, 10, -5);
+    s.Arc(10, 10, 0, 0, 1);
+    s.SetPixel(-1, 500, MakeRgb(0, 0, 0));
+    QVERIFY(s.Image() == before);
+  }
+
+  void settingsStoreKeepsSectionsAndKeys() {
+    tavik::testing::TempHome home;
+    QtSettingsStore store(home.path);
+    store.SaveSetting("TAVIK", "Used Files", "2", "/w/乙");
+    store.SaveSetting("TAVIK", "Used Files", "1", "/w/甲");
+    store.SaveSetting("TAVIK", "Other", "1", "x");
+    QtSettingsStore again(home.path);  // another instance reads what was written
+    QCOMPARE(again.GetSetting("TAVIK", "Used Files", "1", ""), std::string("/w/甲"));
+    QCOMPARE(again.GetSetting("TAVIK", "Used Files", "9", "none"), std::string("none"));
+    const auto all = again.GetAllSettings("TAVIK", "Used Files");
+    QCOMPARE(all.size(), std::size_t(2));
+    QCOMPARE(all[0].second, std::string("/w/甲"));
+    again.DeleteSection("TAVIK", "Used Files");
+    QVERIFY(store.GetAllSettings("TAVIK", "Used Files").empty());
+    QCOMPARE(store.GetSetting("TAVIK", "Other", "1", ""), std::string("x"));
+  }
+
+  void timerTicksFromTheEventLoop() {
+    QtTimerFactory f;
+    auto t = f.CreateTimer();
+    int ticks = 0;
+    t->OnTick = [&] { ++ticks; };
+    t->SetInterval(10);
+    QCOMPARE(t->Interval(), 10);
+    QVERIFY(!t->Enabled());
+    QTest::qWait(40);
+    QCOMPARE(ticks, 0);
+    t->SetEnabled(true);
+    QTRY_VERIFY_WITH_TIMEOUT(ticks >= 2, 2000);
+    t->SetEnabled(false);
+    const int stopped = ticks;
+    QTest::qWait(40);
+    QCOMPARE(ticks, stopped);
+  }
+};
+
+QTEST_MAIN(PlatformQtTest)
+#include "platform_qt_test.moc"
