@@ -2,6 +2,7 @@
 // check and the recent list, in that order; then the event loop.
 #include <QApplication>
 #include <QFont>
+#include <QScreen>
 #include <QTimer>
 #include <cstring>
 #include <string>
@@ -35,6 +36,9 @@ int main(int argc, char** argv) {
   }
 
   Program program(paths);
+  // Maximised to the desktop's work area; set by hand too, for desktops without a
+  // window manager to honour the request.
+  if (QScreen* screen = QGuiApplication::primaryScreen()) program.frm.setGeometry(screen->availableGeometry());
   program.frm.showMaximized();
   program.Start();
 

@@ -118,11 +118,13 @@ void MainFrm::BuildInstrumentFrame() {
 }
 
 void MainFrm::BuildStatusBar() {
-  const int widths[11] = {0, 90, 80, 80, 90, 90, 90, 90, 100, 100, 120};
+  // Each panel is wide enough for the longest text it usually shows.
+  const char* widest[11] = {"", "1 :100000", "E 2752650.000", "N 2752650.000", "測點 000000", "圖元 000000",
+                            "螢幕點 000000", "螢幕圖 000000", "0000000000", "0000000000", "底圖數目: 000000"};
   for (int k = 1; k <= 10; ++k) {
     auto* l = new QLabel(this);
     l->setObjectName(QString("Panel%1").arg(k));
-    l->setMinimumWidth(widths[k]);
+    l->setMinimumWidth(l->fontMetrics().horizontalAdvance(QString::fromUtf8(widest[k])) + 12);
     l->setFrameShape(QFrame::Panel);
     l->setFrameShadow(QFrame::Sunken);
     statusBar()->addWidget(l, k == 10 ? 1 : 0);
