@@ -2,12 +2,24 @@
 
 #include "core/docfile.h"
 #include "view/extent.h"
+#include "view/screen_tables.h"
+#include "view/transform.h"
 
 namespace tavik {
 
 bool LoadOldDocument(Document& doc, View& view, ui::Dialogs& dialogs) {
   if (!ReadOldDocument(doc, dialogs)) return false;
   view::FitWholeExtent(doc, view);
+  return true;
+}
+
+bool MergeDocument(Document& doc, View& view, WorkFiles& wf, const std::string& path, ui::Dialogs& dialogs) {
+  if (!MergeDocumentRecords(doc, wf, path, dialogs)) return false;
+  view::PushView(view, doc.ScaleDenominator, doc.ViewCentreE, doc.ViewCentreN);
+  view::FitWholeExtent(doc, view);
+  RebuildScreenPoints(doc, view);
+  RebuildScreenEntities(doc, view);
+  wf.WriteRecoveryHeader(doc);
   return true;
 }
 
