@@ -1,5 +1,6 @@
 #include "app/program.h"
 
+#include "view/document_view.h"
 #include "view/transform.h"
 
 Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
@@ -11,6 +12,9 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
   cycle.hooks.ComputeView = [this](tavik::Document& doc, tavik::View& view) {
     tavik::view::SetViewportSize(view, frm.Paper1()->Surface().Width(), frm.Paper1()->Surface().Height());
     tavik::view::ComputeView(doc, view);
+  };
+  cycle.hooks.LoadOldDocument = [](tavik::Document& doc, tavik::View& view, tavik::ui::Dialogs& d) {
+    return tavik::LoadOldDocument(doc, view, d);
   };
 
   auto& h = frm.handlers;
