@@ -268,6 +268,35 @@ TEST(DocumentCycle, LowerCaseSpcOpensAndSavesUnderItsOwnName) {
   EXPECT_EQ(s.app.doc.PointCount, 3);
 }
 
+TEST(DocumentCycle, OlderSpDocumentOpensAndSavesAsSpc) {
+  TempHome home;
+  Session s(home.path);
+  s.cycle.Startup();
+  // An older document: a 148-byte header (map type at 0, counts at 132 and 140), two
+  // points, one item record of 108 bytes.
+  tavik::testing::ByteWriter w;
+  w.Put<int16_t>(2).Zeros(130).Put<int32_t>(2).Zeros(4).Put<int32_t>(1).Zeros(4);
+  w.Put(281000.0).Put(2752000.0).Put(1.0).Put(281010.0).Put(2752010.0).Put(2.0);
+  w.Text("99", 6).Put<int16_t>(11);
+  for (double v : {281000.0, 0.0, 0.0, 2752000.0, 0.0, 0.0, 1.0, 0.0, 0.0}) w.Put(v);
+  w.Text("A1", 20).Zeros(8);  // the record's last 8 bytes are not used
+  ASSERT_EQ(w.bytes.size(), 148u + 48u + 108u);
+  WriteBytes(s.Work("old.sp"), w.bytes);
+
+  s.dialogs.files = {s.Work("old.sp")};
+  s.cycle.Open();
+  ASSERT_TRUE(s.app.doc.IsOpen()) << (s.dialogs.Messages().empty() ? "" : s.dialogs.Messages().front());
+  EXPECT_EQ(s.app.DocumentFormat, 2);
+  EXPECT_EQ(s.app.doc.PointCount, 2);
+  EXPECT_EQ(s.app.doc.EntityCount, 1);
+  EXPECT_EQ(s.window.mapType, "平面圖");
+  EXPECT_EQ(s.window.caption, "TAVIK - " + s.Work("old") + ".SPC");
+  s.cycle.Save();
+  EXPECT_TRUE(fs::exists(s.Work("old.SPC")));
+  EXPECT_EQ(s.app.doc.PointCount, 2);
+  EXPECT_EQ(s.app.doc.EntityTable[0].Name, "A1");
+}
+
 TEST(DocumentCycle, CloseWithChangesAsksAndCancelKeepsEverything) {
   struct Case {
     const char* legend;
