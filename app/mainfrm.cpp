@@ -22,7 +22,12 @@ MainFrm::MainFrm(QWidget* parent) : QMainWindow(parent) {
   row->setContentsMargins(0, 0, 0, 0);
   row->setSpacing(0);
   paper_ = new PaperWidget(central);
-  paper_->OnResized = [this] { RedrawPaper(); };
+  paper_->OnResized = [this] {
+    if (handlers.Resized)
+      handlers.Resized();
+    else
+      RedrawPaper();
+  };
   row->addWidget(paper_, 1);
   instFrame_ = new QFrame(central);
   row->addWidget(instFrame_);

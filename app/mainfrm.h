@@ -52,7 +52,9 @@ class MainFrm : public QMainWindow, public tavik::FrameWindow {
     std::function<void()> New, Open, Save, SaveAs, Close, ClearRecent;
     std::function<void(int)> OpenRecent;  // 1..5
     std::function<bool()> Exit;           // false keeps the program running
-    std::function<void(tavik::ui::Surface&)> Redraw;
+    std::function<void(tavik::ui::Surface&)> Redraw;  // paints the map onto Paper1's surface
+    std::function<void()> Resized;                    // Paper1 took a new size
+
   } handlers;
 
  protected:

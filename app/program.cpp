@@ -1,6 +1,7 @@
 #include "app/program.h"
 
 #include "view/document_view.h"
+#include "view/screen_tables.h"
 #include "view/transform.h"
 
 Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
@@ -12,6 +13,10 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
   cycle.hooks.ComputeView = [this](tavik::Document& doc, tavik::View& view) {
     tavik::view::SetViewportSize(view, frm.Paper1()->Surface().Width(), frm.Paper1()->Surface().Height());
     tavik::view::ComputeView(doc, view);
+  };
+  cycle.hooks.RebuildScreenTables = [](tavik::Document& doc, tavik::View& view) {
+    tavik::RebuildScreenPoints(doc, view);
+    tavik::RebuildScreenEntities(doc, view);
   };
   cycle.hooks.LoadOldDocument = [](tavik::Document& doc, tavik::View& view, tavik::ui::Dialogs& d) {
     return tavik::LoadOldDocument(doc, view, d);
@@ -26,6 +31,18 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
   h.OpenRecent = [this](int k) { cycle.OpenRecent(k); };
   h.ClearRecent = [this] { cycle.ClearRecent(); };
   h.Exit = [this] { return cycle.Exit(); };
+  // A new size of Paper1 is a view change: the rectangles, the screen tables and the
+  // picture follow it.
+  h.Resized = [this] {
+    if (!app.doc.IsOpen()) {
+      frm.RedrawPaper();
+      return;
+    }
+    cycle.hooks.ComputeView(app.doc, app.view);
+    cycle.hooks.RebuildScreenTables(app.doc, app.view);
+    frm.RedrawPaper();
+    cycle.ShowCounts();
+  };
   h.Redraw = [](tavik::ui::Surface& s) { s.Clear(tavik::ui::MakeRgb(255, 255, 255)); };
 }
 
