@@ -82,6 +82,15 @@ class MainFrmTest : public QObject {
     QVERIFY(first->isVisible());
     QCOMPARE(first->text(), QString::fromStdString("&1 " + name));
 
+    // A point at the centre, saved through the menu: the reload rebuilds the screen
+    // tables from the window's own view.
+    QVERIFY(tavik::AddPoint(p.app.doc, p.app.view, p.app.work, 280850, 2752650, 5));
+    p.app.doc.MapChanged = tavik::kTrue;
+    p.frm.Command("MainMnuSave")->trigger();
+    QCOMPARE(p.frm.LabelText("OBSBox"), QString("幾秒前已經存檔"));
+    QCOMPARE(p.frm.PanelText(4), QString("測點 1"));
+    QCOMPARE(p.frm.PanelText(6), QString("螢幕點 1"));
+
     // A change, then the window's close: Cancel keeps the program and its journal.
     QVERIFY(tavik::AddPoint(p.app.doc, p.app.view, p.app.work, 281000, 2752000, 5));
     p.app.doc.MapChanged = tavik::kTrue;
