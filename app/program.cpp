@@ -1,5 +1,7 @@
 #include "app/program.h"
 
+#include <QApplication>
+
 #include "view/document_view.h"
 #include "view/screen_tables.h"
 #include "view/transform.h"
@@ -18,6 +20,7 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
     tavik::RebuildScreenPoints(doc, view);
     tavik::RebuildScreenEntities(doc, view);
   };
+  cycle.hooks.CommandRunning = [] { return QApplication::activeModalWidget() != nullptr; };
   cycle.hooks.LoadOldDocument = [](tavik::Document& doc, tavik::View& view, tavik::ui::Dialogs& d) {
     return tavik::LoadOldDocument(doc, view, d);
   };

@@ -78,6 +78,8 @@ void DocumentCycle::Startup() {
   ClearTables(doc);
   ReadSoftwareIni(app_.paths.SoftwareIni(), app_.ini);
   doc.CurrentLegend = app_.ini.CurrentLegend;
+  doc.InstrumentHeight = app_.ini.InstrumentHeight;
+  doc.TargetHeight = app_.ini.TargetHeight;
   doc.ScaleDenominator = app_.ini.MeasureMode == "TS" ? 200 : 1000;
   timer5_->SetInterval(Timer5Interval);
   timer5_->SetEnabled(false);
@@ -389,6 +391,8 @@ bool DocumentCycle::Close() {
 bool DocumentCycle::Exit() {
   if (hooks.StopBaseLogging) hooks.StopBaseLogging();
   app_.ini.CurrentLegend = app_.doc.CurrentLegend;
+  app_.ini.InstrumentHeight = app_.doc.InstrumentHeight;
+  app_.ini.TargetHeight = app_.doc.TargetHeight;
   if (hooks.CollectSettings) hooks.CollectSettings(app_.ini);
   WriteSoftwareIni(app_.paths.SoftwareIni(), app_.ini);
   Document& doc = app_.doc;
@@ -431,6 +435,9 @@ void DocumentCycle::ClearRecent() {
 void DocumentCycle::Timer5Tick() {
   Document& doc = app_.doc;
   if (app_.ini.AutoSaveMinutes == 0 || !doc.IsOpen() || !doc.MapChanged) return;
+  // The minute is not counted while a command is waiting for the user; the next tick
+  // comes soon enough, and a save never cuts into a command.
+  if (hooks.CommandRunning && hooks.CommandRunning()) return;
   ++app_.MinutesSinceSave;
   window_.SetOBSBox(std::to_string(app_.MinutesSinceSave) + "分鐘前已存檔");
   if (app_.MinutesSinceSave >= app_.ini.AutoSaveMinutes) {

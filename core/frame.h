@@ -38,6 +38,9 @@ struct FrameHooks {
   std::function<void()> StopBaseLogging;
   // Exit: the other parts of the program put their settings into Software.ini's values.
   std::function<void(SoftwareIni&)> CollectSettings;
+  // True while a command holds the user (a message box or dialog is up). A toolkit that
+  // runs timers inside modal dialogs would otherwise let the autosave in mid-command.
+  std::function<bool()> CommandRunning;
 };
 
 // The filters and texts of the file commands.

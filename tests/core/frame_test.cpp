@@ -422,6 +422,11 @@ TEST(DocumentCycle, AutosaveCountsChangedMinutesThenSaves) {
   s.Timer5().Fire();  // unchanged: nothing counts
   EXPECT_EQ(s.app.MinutesSinceSave, 0);
   s.Measure(1);
+  bool waiting = true;  // a message box of some command is up
+  s.cycle.hooks.CommandRunning = [&] { return waiting; };
+  s.Timer5().Fire();
+  EXPECT_EQ(s.app.MinutesSinceSave, 0);
+  waiting = false;
   for (int m = 1; m <= 4; ++m) {
     s.Timer5().Fire();
     EXPECT_EQ(s.window.obsBox, std::to_string(m) + "分鐘前已存檔");
