@@ -2,6 +2,7 @@
 // standard output, standard error and the exit code.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -25,8 +26,9 @@ std::string ReadAll(const std::string& path) {
 }
 
 Result Tool(const std::string& args, const std::string& input = "") {
-  const std::string dir = ::testing::TempDir();
-  const std::string in = dir + "geo_tool_in.txt", out = dir + "geo_tool_out.txt", err = dir + "geo_tool_err.txt";
+  // Named by process, as ctest runs the cases of this file side by side.
+  const std::string dir = ::testing::TempDir() + "geo_tool_" + std::to_string(::getpid()) + "_";
+  const std::string in = dir + "in.txt", out = dir + "out.txt", err = dir + "err.txt";
   std::ofstream(in, std::ios::binary) << input;
   const std::string cmd =
       std::string(TAVIK_BIN_DIR) + "/tools/tavik-tool " + args + " <" + in + " >" + out + " 2>" + err;
