@@ -2,6 +2,7 @@
 
 #include <QApplication>
 
+#include "app/gpsinitdlg.h"
 #include "view/document_view.h"
 #include "view/screen_tables.h"
 #include "view/transform.h"
@@ -46,7 +47,12 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
     frm.RedrawPaper();
     cycle.ShowCounts();
   };
+  AddGpsInitCommand(frm, gpsDatum, app.ini, [] { return false; });  // no GNSS port yet
   h.Redraw = [](tavik::ui::Surface& s) { s.Clear(tavik::ui::MakeRgb(255, 255, 255)); };
 }
 
-void Program::Start() { cycle.Startup(); }
+void Program::Start() {
+  cycle.Startup();
+  // The stored pair: only TWD97 loads its own constants (see LoadStoredDatum).
+  tavik::LoadStoredDatum(gpsDatum, app.ini.GpsDatum, app.ini.CentralMeridian);
+}

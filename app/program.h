@@ -8,6 +8,7 @@
 #include "app/mainfrm.h"
 #include "core/app_state.h"
 #include "core/frame.h"
+#include "geo/datum.h"
 #include "platform/qt/qt_dialogs.h"
 #include "platform/qt/qt_settings_store.h"
 #include "platform/qt/qt_timer.h"
@@ -27,4 +28,5 @@ class Program {
   tavik::ui::QtSettingsStore store;
   tavik::ui::QtTimerFactory timers;
   tavik::DocumentCycle cycle;
+  tavik::GpsDatumSettings gpsDatum;  // datum and meridian of the GNSS conversion
 };
