@@ -1,5 +1,6 @@
 #include "platform/qt/qt_dialogs.h"
 
+#include <QAbstractButton>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
@@ -84,6 +85,13 @@ Answer QtDialogs::MsgBox(const std::string& text, const std::string& title, Butt
       break;
   }
   box.setStandardButtons(set);
+  // The button captions of the Traditional Chinese interface, whatever translations
+  // the system has installed.
+  const std::pair<QMessageBox::StandardButton, const char*> captions[] = {
+      {QMessageBox::Ok, "確定"}, {QMessageBox::Cancel, "取消"}, {QMessageBox::Yes, "是(&Y)"},
+      {QMessageBox::No, "否(&N)"}, {QMessageBox::Retry, "重試(&R)"}};
+  for (const auto& [b, text] : captions)
+    if (QAbstractButton* button = box.button(b)) button->setText(text);
   box.setDefaultButton(ToQt(defaultButton.value_or(first)));
   box.setEscapeButton(ToQt(escape));
   switch (box.exec()) {
@@ -98,10 +106,14 @@ Answer QtDialogs::MsgBox(const std::string& text, const std::string& title, Butt
 
 std::optional<std::string> QtDialogs::InputBox(const std::string& prompt, const std::string& title,
                                                const std::string& defaultText) {
-  bool ok = false;
-  const QString s = QInputDialog::getText(parent_, Q(title), Q(prompt), QLineEdit::Normal, Q(defaultText), &ok);
-  if (!ok) return std::nullopt;
-  return s.toStdString();
+  QInputDialog dlg(parent_);
+  dlg.setWindowTitle(Q(title));
+  dlg.setLabelText(Q(prompt));
+  dlg.setTextValue(Q(defaultText));
+  dlg.setOkButtonText("確定");
+  dlg.setCancelButtonText("取消");
+  if (dlg.exec() != QDialog::Accepted) return std::nullopt;
+  return dlg.textValue().toStdString();
 }
 
 namespace {
@@ -117,6 +129,11 @@ std::string RunFileDialog(QWidget* parent, QFileDialog::AcceptMode mode, const s
   dlg.setOptions(QFileDialog::DontConfirmOverwrite | QFileDialog::HideNameFilterDetails |
                  QFileDialog::DontUseNativeDialog);
   dlg.setNameFilter(QtFilterFromClassic(filter));
+  dlg.setLabelText(QFileDialog::LookIn, "搜尋位置:");
+  dlg.setLabelText(QFileDialog::FileName, "檔案名稱:");
+  dlg.setLabelText(QFileDialog::FileType, "檔案類型:");
+  dlg.setLabelText(QFileDialog::Accept, mode == QFileDialog::AcceptOpen ? "開啟(&O)" : "存檔(&S)");
+  dlg.setLabelText(QFileDialog::Reject, "取消");
   if (dlg.exec() != QDialog::Accepted || dlg.selectedFiles().isEmpty()) return "";
   return dlg.selectedFiles().front().toStdString();
 }

@@ -1,4 +1,11 @@
 // The Qt ends of the platform interfaces.
+#include <QApplication>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QFileSystemModel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QtTest>
 #include <filesystem>
 
@@ -21,7 +28,85 @@ class PlatformQtTest : public QObject {
     return n;
   }
 
+ // Runs `act` on the modal dialog as soon as it is up; saves a picture of it when
+  // TAVIK_SHOTS names a folder (for looking at the dialogs by eye).
+  template <class Act>
+  static void WhenModal(const char* shot, Act act) {
+    QTimer::singleShot(0, [shot, act] {
+      QWidget* w = nullptr;
+      QTRY_VERIFY_WITH_TIMEOUT((w = QApplication::activeModalWidget()) != nullptr, 3000);
+      if (const char* dir = std::getenv("TAVIK_SHOTS")) w->grab().save(QString(dir) + "/" + shot + ".png");
+      act(w);
+    });
+  }
+
  private slots:
+  void messageBoxButtonsAndDefaults() {
+    QtDialogs d;
+    struct Case {
+      std::optional<Answer> def;
+      Qt::Key key;
+      Answer expect;
+    } cases[] = {
+        {std::nullopt, Qt::Key_Return, Answer::Yes},  // the first button is the default
+        {Answer::No, Qt::Key_Return, Answer::No},
+        {Answer::Yes, Qt::Key_Escape, Answer::Cancel},
+    };
+    for (const auto& c : cases) {
+      QStringList captions;
+      QString title, text;
+      WhenModal("msgbox", [&](QWidget* w) {
+        auto* box = qobject_cast<QMessageBox*>(w);
+        QVERIFY(box);
+        title = box->windowTitle();
+        text = box->text();
+        for (QAbstractButton* b : box->buttons()) captions << b->text();
+        QTest::keyClick(box, c.key);
+      });
+      const Answer a = d.MsgBox("是否存檔?", "螢幕的圖尚未存檔", Buttons::YesNoCancel, Icon::Question, c.def);
+      QCOMPARE(int(a), int(c.expect));
+      QCOMPARE(title, QString("螢幕的圖尚未存檔"));
+      QCOMPARE(text, QString("是否存檔?"));
+      captions.sort();
+      QStringList want{"是(&Y)", "否(&N)", "取消"};
+      want.sort();
+      QCOMPARE(captions, want);
+    }
+  }
+
+  void fileDialogShowsClassicFiltersAndReturnsTheName() {
+    tavik::testing::TempHome home;
+    for (const char* f : {"a.spc", "b.SPC", "c.Spc", "d.txt"}) tavik::testing::WriteBytes(home.path / f, "x");
+    QtDialogs d;
+    QStringList filters, shown;
+    const QString typed = QString::fromStdString((home.path / "新圖.SPC").string());
+    WhenModal("filedialog", [&](QWidget* w) {
+      auto* dlg = qobject_cast<QFileDialog*>(w);
+      QVERIFY(dlg);
+      auto* types = dlg->findChild<QComboBox*>("fileTypeCombo");
+      QVERIFY(types);
+      for (int i = 0; i < types->count(); ++i) filters << types->itemText(i);
+      // The first filter shows the documents whatever the case of their extension.
+      auto* model = dlg->findChild<QFileSystemModel*>();
+      QVERIFY(model);
+      const QModelIndex dir = model->index(QString::fromStdString(home.path.string()));
+      QTRY_COMPARE_WITH_TIMEOUT(model->rowCount(dir), 3, 3000);
+      for (int r = 0; r < model->rowCount(dir); ++r) shown << model->index(r, 0, dir).data().toString();
+      auto* name = dlg->findChild<QLineEdit*>("fileNameEdit");
+      QVERIFY(name);
+      name->setText(typed);
+      QMetaObject::invokeMethod(dlg, "accept");
+    });
+    const std::string got = d.SaveFileName("開新圖檔", "Map 7.22(*.SPC)|*.SPC|所有檔案(*.*)|*.*", home.path.string());
+    QCOMPARE(filters, QStringList({"Map 7.22(*.SPC)", "所有檔案(*.*)"}));
+    shown.sort();
+    QCOMPARE(shown, QStringList({"a.spc", "b.SPC", "c.Spc"}));
+    QCOMPARE(QString::fromStdString(got), typed);
+
+    WhenModal("filedialog-cancel", [](QWidget* w) { qobject_cast<QDialog*>(w)->reject(); });
+    QCOMPARE(d.OpenFileName("開啟舊圖檔", "Map 7.22(*.SPC)|*.SPC", home.path.string()), std::string());
+  }
+
   void filtersMatchAnyCase() {
     QCOMPARE(QtFilterFromClassic("Map 7.22(*.SPC)|*.SPC|所有檔案(*.*)|*.*"),
              QString("Map 7.22(*.SPC) (*.[sS][pP][cC]);;所有檔案(*.*) (*)"));
