@@ -29,9 +29,11 @@ void g2xy(const GpsDatumSettings& s, double Lon, double Lat, double& E, double& 
 // inside the search box settles in well under a hundred.
 constexpr int XyToLonLatMaxRounds = 500;
 
-// E, N in metres to Lon, Lat in decimal degrees. Failed is set, and Lon and Lat are
-// left as they were, when the position lies outside the search box (longitude 119.137
-// to 125.7, latitude 19.33 to 28.67) or the search does not settle in its rounds.
+// E, N in metres to Lon, Lat in decimal degrees, such that g2xy of the result lies
+// within 0.0001 m of E and N on each axis. Failed is set, and Lon and Lat are left as
+// they were, when the position lies outside the search box (longitude 119.137 to
+// 125.7, latitude 19.33 to 28.67), the search does not settle in its rounds, or its
+// result cannot be brought within that distance.
 void XyToLonLat(const GpsDatumSettings& s, double E, double N, double& Lon, double& Lat, bool& Failed);
 
 }  // namespace tavik
