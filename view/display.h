@@ -1,0 +1,47 @@
+// Display switches and colours of the map view, and the few pieces of pointer state the
+// repaint draws again (the rubber band of a chain being drawn).
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "core/document.h"
+#include "platform/surface.h"
+
+namespace tavik::view {
+
+struct Display {
+  int16_t ShowBaseMap = kFalse;      // SwitchBM
+  int16_t ShowPointNames = kTrue;    // SwitchPtName
+  int16_t ShowBreakLines = kTrue;    // SwitchBreak: legends 513, 514, 515, 520, 521
+  int16_t ShowReferenceMarks = kTrue;
+  ui::Rgb ReferenceLineColour = ui::MakeRgb(124, 124, 124);
+  ui::Rgb ReferencePointColour = ui::MakeRgb(124, 124, 124);
+  ui::Rgb ReferenceTextColour = ui::MakeRgb(124, 124, 124);
+  int16_t ReferenceEntityColourOn = kTrue;
+  int16_t ReferenceTextColourOn = kTrue;
+
+  // Toolbar1 toggles read by the repaint.
+  bool GridOn = false;        // button 26, DispGrid
+  bool ElevationsOn = false;  // button 27
+  bool CodesOn = false;       // the display of codes
+
+  ui::Rgb Background = ui::MakeRgb(255, 255, 255);
+  ui::Rgb PointColour = ui::MakeRgb(255, 0, 0);
+  ui::Rgb TextColour = ui::MakeRgb(0, 0, 0);
+  ui::Rgb BaseMapLineColour = ui::MakeRgb(0, 160, 160);
+  ui::Rgb BaseMapTextColour = ui::MakeRgb(0, 120, 120);
+  bool BaseMapCode12Marks = true;  // mark the Code 12 points of a base map
+
+  // A chain of lines being drawn: the rubber band from its last vertex to the pointer is
+  // drawn again after a repaint.
+  bool LineInProgress = false;
+  int ChainCount = 0;
+  double ChainLastE = 0, ChainLastN = 0;
+  float PointerX = 0, PointerY = 0;  // pixel of the pointer on Paper1
+
+  // The matching overlay of the map-matching tools, when on.
+  std::function<void()> MatchingOverlay;
+};
+
+}  // namespace tavik::view

@@ -1,0 +1,394 @@
+#include "view/render.h"
+
+#include <cmath>
+
+#include "core/numbers.h"
+#include "core/text.h"
+#include "geo/circle.h"
+#include "view/arc_geometry.h"
+#include "view/decorations.h"
+#include "view/legends.h"
+#include "view/symbols.h"
+#include "view/transform.h"
+
+namespace tavik::view {
+namespace {
+
+constexpr ui::Rgb kHighlight = ui::MakeRgb(0, 0, 255);
+constexpr ui::Rgb kRubberBand = ui::MakeRgb(255, 255, 0);
+constexpr ui::Rgb kStation = ui::MakeRgb(255, 0, 0);
+// Room left around the paper for symbols and names that reach beyond their point.
+constexpr double kSymbolReach = 24, kNameReach = 300;
+
+bool IsBreakLine(int code) { return code == 513 || code == 514 || code == 515 || code == 520 || code == 521; }
+
+ui::Rgb TextColourOf(const MapCanvas& c) {
+  return c.display.ReferenceTextColourOn ? c.display.ReferenceTextColour : c.display.TextColour;
+}
+
+// True when the world box, widened by `reachPixels`, meets the paper. NaN fails.
+bool MeetsPaper(const MapCanvas& c, double minE, double maxE, double minN, double maxN, double reachPixels) {
+  const double m = reachPixels / c.PixelsPerMetre();
+  return maxE >= c.view.PaperMinE - m && minE <= c.view.PaperMaxE + m && maxN >= c.view.PaperMinN - m &&
+         minN <= c.view.PaperMaxN + m;
+}
+
+bool MeetsPaper(const MapCanvas& c, double E, double N, double reachPixels) {
+  return MeetsPaper(c, E, E, N, N, reachPixels);
+}
+
+bool MeetsPaperCircle(const MapCanvas& c, double Ec, double Nc, double r) {
+  return MeetsPaper(c, Ec - r, Ec + r, Nc - r, Nc + r, kSymbolReach);
+}
+
+// An arc through three vertices. Small arcs go to the geometry library's arc routine;
+// one whose radius runs to millions of pixels is drawn as its visible chords.
+void DrawArcRow(MapCanvas& c, int32_t number, const double* X, const double* Y, bool report) {
+  ArcGeometry a;
+  if (!ArcThrough(X[0], Y[0], X[1], Y[1], X[2], Y[2], a)) {
+    if (Cross3(X[0], Y[0], X[1], Y[1], X[2], Y[2]) != 0) return;  // not finite: nothing to say
+    if (!report) return;
+    double length = 0;
+    DrawArc3(c.surface, c.dialogs, c.view, c.doc.ScaleDenominator, X[0], Y[0], X[1], Y[1], X[2], Y[2], length);
+    c.dialogs.MsgBox("第" + std::to_string(number) + "筆圖元三點共線");
+    return;
+  }
+  if (!MeetsPaperCircle(c, a.Ec, a.Nc, a.radius)) return;
+  const double r = a.radius * c.PixelsPerMetre();
+  if (r > 20000) {
+    double cx, cy;
+    c.ToPixel(a.Ec, a.Nc, cx, cy);
+    c.Arc(cx, cy, r, a.a1, a.a1 + a.Sweep());
+    return;
+  }
+  double length = 0;
+  DrawArc3(c.surface, c.dialogs, c.view, c.doc.ScaleDenominator, X[0], Y[0], X[1], Y[1], X[2], Y[2], length);
+}
+
+template <class Row>
+bool Finite3(const Row& r, int used) {
+  for (int i = 0; i < used; ++i)
+    if (!std::isfinite(r.X[i]) || !std::isfinite(r.Y[i])) return false;
+  return true;
+}
+
+void DrawPointFeature(MapCanvas& c, std::size_t row, const Entity& e) {
+  if (!MeetsPaper(c, e.X[0], e.Y[0], kNameReach)) return;
+  double x, y;
+  c.ToPixel(e.X[0], e.Y[0], x, y);
+  switch (e.Code) {
+    case 13:
+      c.SetPen(TextColourOf(c), c.penWidth, c.penStyle);
+      DrawElevation(c, e.X[0], e.Y[0], e.Z[0], false);
+      return;
+    case 168:
+      DrawElevation(c, e.X[0], e.Y[0], num::ParseLenient(e.Name), false);
+      return;
+    case 99: case 110: case 112: case 113: case 114: case 130: case 131: case 141: case 199:
+      DrawLegendSymbol(c, row, e.Code, x, y, e.Name);
+      if (c.display.ShowPointNames) DrawText(c, row, x + 6, y - 6, text::Trim(e.Name), false);
+      return;
+    case 266: case 267:
+      if (e.Name.size() < 2 || e.Name.compare(0, 2, "EP") != 0) return;
+      DrawText(c, row, x + 3, y - 6, text::Trim(e.Name.substr(2)), false);
+      return;
+    default:
+      DrawLegendSymbol(c, row, e.Code, x, y, e.Name);
+      return;
+  }
+}
+
+void DrawLineRow(MapCanvas& c, std::size_t row, const Entity& e) {
+  if (!MeetsPaper(c, std::min(e.X[0], e.X[1]), std::max(e.X[0], e.X[1]), std::min(e.Y[0], e.Y[1]),
+                  std::max(e.Y[0], e.Y[1]), kSymbolReach))
+    return;
+  double x1, y1, x2, y2;
+  c.ToPixel(e.X[0], e.Y[0], x1, y1);
+  c.ToPixel(e.X[1], e.Y[1], x2, y2);
+  const int row32 = static_cast<int>(row);
+  switch (e.Code) {
+    case 266:
+      c.SetPen(c.penColour, 3, c.penStyle);
+      c.Line(x1, y1, x2, y2);
+      c.SetPen(c.penColour, 1, c.penStyle);
+      DrawLegendLineWorld(c, row32, KindLine, e.Code, e.X[0], e.Y[0], e.X[1], e.Y[1], e.X[2], e.Y[2]);
+      break;
+    case 813: case 407:
+      DrawLegendLineWorld(c, row32, KindLine, e.Code, e.X[0], e.Y[0], e.X[1], e.Y[1], e.X[2], e.Y[2]);
+      break;
+    case 905: case 921:
+      if (c.display.ReferenceEntityColourOn) c.SetPen(c.display.ReferenceLineColour, c.penWidth, c.penStyle);
+      c.Line(x1, y1, x2, y2);
+      break;
+    default:
+      c.Line(x1, y1, x2, y2);
+      DrawLegendLine(c, KindLine, e.Code, x1, y1, x2, y2, 0, 0);
+      break;
+  }
+  if (e.Name.empty()) return;
+  if (e.Code == 201)
+    DrawText(c, row, x1 + 3, y1 - 6, e.Name, false);
+  else if (e.Code == 520 || e.Code == 521)
+    DrawText(c, row, (x1 + x2) / 2 + 3, (y1 + y2) / 2 - 6, e.Name, false);
+}
+
+void DrawCircleAbout(MapCanvas& c, std::size_t row, const Entity& e, double Ec, double Nc, double Ep, double Np) {
+  double cx, cy, px, py;
+  c.ToPixel(Ec, Nc, cx, cy);
+  c.ToPixel(Ep, Np, px, py);
+  c.Circle(cx, cy, std::hypot(px - cx, py - cy));
+  if (e.Code == 407 || e.Code == 813)
+    DrawLegendLineWorld(c, static_cast<int>(row), KindCircle2, e.Code, Ec, Nc, Ep, Np, 0, 0);
+}
+
+void DrawArcEntity(MapCanvas& c, std::size_t row, const Entity& e) {
+  DrawArcRow(c, e.Number, e.X, e.Y, true);
+  switch (e.Code) {
+    case 510: case 921: case 905: {
+      double x[3], y[3];
+      for (int i = 0; i < 3; ++i) c.ToPixel(e.X[i], e.Y[i], x[i], y[i]);
+      if (c.Visible(std::min({x[0], x[1], x[2]}), std::min({y[0], y[1], y[2]}), std::max({x[0], x[1], x[2]}),
+                    std::max({y[0], y[1], y[2]})))
+        DrawLegendLine(c, KindArc3, e.Code, x[0], y[0], x[1], y[1], x[2], y[2]);
+      break;
+    }
+    case 407: case 813:
+      DrawLegendLineWorld(c, static_cast<int>(row), KindArc3, e.Code, e.X[0], e.Y[0], e.X[1], e.Y[1], e.X[2],
+                          e.Y[2]);
+      break;
+    default:
+      break;
+  }
+}
+
+void DrawEntityRow(MapCanvas& c, std::size_t row) {
+  const Entity& e = c.doc.EntityTable[row];
+  if (e.Deleted) return;
+  if (!c.display.ShowBreakLines && IsBreakLine(e.Code)) return;
+  const bool reference = static_cast<int64_t>(row) < c.doc.ReferenceEntityCount;
+  c.SetPen(reference ? c.display.ReferenceLineColour : LegendColour(e.Code), LegendWidth(e.Code),
+           LegendStyle(e.Code));
+  switch (e.Kind) {
+    case KindPoint:
+      if (Finite3(e, 1)) DrawPointFeature(c, row, e);
+      break;
+    case KindLine:
+      if (Finite3(e, 2)) DrawLineRow(c, row, e);
+      break;
+    case KindCircle2: {
+      if (!Finite3(e, 2)) break;
+      const double r = std::hypot(e.X[1] - e.X[0], e.Y[1] - e.Y[0]);
+      if (MeetsPaperCircle(c, e.X[0], e.Y[0], r)) DrawCircleAbout(c, row, e, e.X[0], e.Y[0], e.X[1], e.Y[1]);
+      break;
+    }
+    case KindCircle3: {
+      if (!Finite3(e, 3)) break;
+      double Ec, Nc, r;
+      if (CircleThrough(e.X[0], e.Y[0], e.X[1], e.Y[1], e.X[2], e.Y[2], Ec, Nc, r) && MeetsPaperCircle(c, Ec, Nc, r))
+        DrawCircleAbout(c, row, e, Ec, Nc, e.X[0], e.Y[0]);
+      break;
+    }
+    case KindArc3:
+      if (Finite3(e, 3)) DrawArcEntity(c, row, e);
+      break;
+    default:
+      break;
+  }
+}
+
+}  // namespace
+
+void DrawEntities(MapCanvas& c) {
+  for (std::size_t row = 0; row < c.doc.EntityTable.size(); ++row) DrawEntityRow(c, row);
+}
+
+void DrawEntity(MapCanvas& c, std::size_t row) {
+  c.penKnown = false;
+  if (row < c.doc.EntityTable.size()) DrawEntityRow(c, row);
+}
+
+void DrawLegendSymbol(MapCanvas& c, std::size_t row, int code, double x, double y, const std::string& name) {
+  DrawSymbol(c, static_cast<int>(row), code, x, y, name);
+}
+
+void DrawText(MapCanvas& c, std::size_t row, double x, double y, const std::string& text, bool highlight) {
+  (void)row;
+  c.Text(x, y, text, highlight ? kHighlight : TextColourOf(c));
+}
+
+void DrawElevation(MapCanvas& c, double E, double N, double H, bool highlight) {
+  if (!std::isfinite(H)) return;
+  double x, y;
+  c.ToPixel(E, N, x, y);
+  const ui::Rgb colour = highlight ? kHighlight : TextColourOf(c);
+  c.surface.SetPixel(static_cast<float>(x), static_cast<float>(y), colour);
+  c.Text(x + 3, y - 6, num::Format(H, "0.00"), colour, 10);
+}
+
+void DrawBaseMap(MapCanvas& c) {
+  const std::size_t n = std::min<std::size_t>(c.doc.BaseMapTable.size(), static_cast<std::size_t>(std::max(0, c.doc.BaseMapCount)));
+  c.SetPen(c.display.BaseMapLineColour);
+  for (std::size_t i = 0; i < n; ++i) {
+    const BaseMapLine& b = c.doc.BaseMapTable[i];
+    switch (b.Kind) {
+      case KindPoint: {
+        if (b.Code != 12 || !c.display.BaseMapCode12Marks || !Finite3(b, 1)) break;
+        if (!MeetsPaper(c, b.X[0], b.Y[0], kNameReach)) break;
+        double x, y;
+        c.ToPixel(b.X[0], b.Y[0], x, y);
+        c.Circle(x, y, 2);
+        c.Text(x + 4, y - 6, text::Trim(b.Name), c.display.BaseMapTextColour);
+        break;
+      }
+      case KindLine: {
+        if (!Finite3(b, 2)) break;
+        double x1, y1, x2, y2;
+        c.ToPixel(b.X[0], b.Y[0], x1, y1);
+        c.ToPixel(b.X[1], b.Y[1], x2, y2);
+        c.Line(x1, y1, x2, y2);
+        break;
+      }
+      case KindCircle2:
+      case KindCircle3: {
+        if (!Finite3(b, b.Kind == KindCircle2 ? 2 : 3)) break;
+        double Ec = b.X[0], Nc = b.Y[0], r = std::hypot(b.X[1] - b.X[0], b.Y[1] - b.Y[0]);
+        if (b.Kind == KindCircle3 && !CircleThrough(b.X[0], b.Y[0], b.X[1], b.Y[1], b.X[2], b.Y[2], Ec, Nc, r)) break;
+        if (!MeetsPaperCircle(c, Ec, Nc, r)) break;
+        double cx, cy;
+        c.ToPixel(Ec, Nc, cx, cy);
+        c.Circle(cx, cy, r * c.PixelsPerMetre());
+        break;
+      }
+      case KindArc3:
+        if (Finite3(b, 3)) DrawArcRow(c, b.Number, b.X, b.Y, false);
+        break;
+      default:
+        break;
+    }
+  }
+}
+
+void DrawPointMark(MapCanvas& c, std::size_t row, double E, double N, bool highlight, bool erase) {
+  (void)row;
+  if (!InPaper(c.view, E, N)) return;
+  double x, y;
+  c.ToPixel(E, N, x, y);
+  const ui::Rgb colour = erase ? c.display.Background
+                         : c.display.ShowReferenceMarks ? c.display.ReferencePointColour
+                                                        : c.display.PointColour;
+  c.SetPen(colour);
+  c.Line(x - 4, y, x + 4, y);
+  c.Line(x, y - 4, x, y + 4);
+  if (!highlight) return;
+  c.SetPen(erase ? c.display.Background : kHighlight);
+  c.Circle(x, y, 0.6);
+  c.SetPen(erase ? c.display.Background : ui::MakeRgb(0, 0, 0));
+  c.Circle(x, y, 1.1);
+}
+
+void DrawStationMark(MapCanvas& c, double E, double N, bool highlight, bool erase) {
+  double x, y;
+  c.ToPixel(E, N, x, y);
+  c.SetPen(erase ? c.display.Background : highlight ? kHighlight : kStation);
+  c.Line(x, y, x - 7, y + 17);
+  c.Line(x, y, x, y + 22);
+  c.Line(x, y, x + 7, y + 17);
+}
+
+void DrawGrid(MapCanvas& c) {
+  if (c.doc.ScaleDenominator >= GridScaleLimit) {
+    c.display.GridOn = false;
+    c.ui.SetToolbarPressed(ButtonGrid, false);
+    return;
+  }
+  c.SetPen(ui::QBColor(8));
+  const View& v = c.view;
+  double top, bottom, left, right, unused;
+  c.ToPixel(v.PaperMinE, v.PaperMaxN, left, top);
+  c.ToPixel(v.PaperMaxE, v.PaperMinN, right, bottom);
+  (void)unused;
+  for (double E = std::ceil(v.PaperMinE / GridSpacing) * GridSpacing; E <= v.PaperMaxE; E += GridSpacing) {
+    double x, y;
+    c.ToPixel(E, v.PaperMaxN, x, y);
+    c.Line(x, top, x, bottom);
+  }
+  for (double N = std::ceil(v.PaperMinN / GridSpacing) * GridSpacing; N <= v.PaperMaxN; N += GridSpacing) {
+    double x, y;
+    c.ToPixel(v.PaperMinE, N, x, y);
+    c.Line(left, y, right, y);
+  }
+}
+
+double ScaleBarMetres(double scale) {
+  const double perCm = scale / 100;  // metres of ground in one centimetre of paper
+  if (!(perCm >= 1)) return 1;
+  const double magnitude = std::pow(10.0, std::floor(std::log10(perCm)));
+  return std::floor(perCm / magnitude) * magnitude;
+}
+
+std::string ScaleBarLabel(double scale) {
+  if (scale <= 50) return num::Format(scale, "0.##") + "cm";
+  return num::Plain(ScaleBarMetres(scale)) + "m";
+}
+
+void DrawScaleBar(MapCanvas& c) {
+  const double scale = c.doc.ScaleDenominator;
+  if (!(scale > 0) || !std::isfinite(scale)) return;
+  const double length = scale <= 50 ? PixelsPerCm : ScaleBarMetres(scale) * c.PixelsPerMetre();
+  // The viewport's lower-left corner inside Paper1, wherever the paper was placed.
+  double x0, y0;
+  c.ToPixel(c.view.ScreenMinE, c.view.ScreenMinN, x0, y0);
+  x0 += 65;
+  y0 -= PixelsPerCm;
+  c.SetPen(ScaleBarColour, 2);
+  c.Line(x0, y0, x0 + length, y0);
+  c.SetPen(ScaleBarColour, 1);
+  c.Line(x0, y0 - 4, x0, y0 + 1);
+  c.Line(x0 + length, y0 - 4, x0 + length, y0 + 1);
+  c.Text(x0 + length + 5, y0 - 7, ScaleBarLabel(scale), ScaleBarColour, 12);
+}
+
+void RedrawAll(MapCanvas& c) {
+  Document& d = c.doc;
+  c.ui.StopLiveMarker();
+  c.surface.SetDrawMode(ui::DrawMode::Copy);
+  c.surface.SetFill(false, 0);
+  c.surface.Clear(c.display.Background);
+  c.penKnown = false;
+  DrawEntities(c);
+  if (d.BaseMapCount != 0 && c.display.ShowBaseMap) DrawBaseMap(c);
+  for (std::size_t i = 0; i < d.PointTable.size(); ++i) {
+    const Point& p = d.PointTable[i];
+    if (!p.Deleted) DrawPointMark(c, i, p.E, p.N, false);
+  }
+  if (c.display.ElevationsOn && d.MapType == 1) {
+    c.SetPen(TextColourOf(c));
+    for (const Point& p : d.PointTable)
+      if (!p.Deleted && p.H != NoHeight && InPaper(c.view, p.E, p.N)) DrawElevation(c, p.E, p.N, p.H, false);
+  }
+  if (!d.StationName.empty() && d.StationSet) DrawStationMark(c, d.StationE, d.StationN, false);
+  if (c.display.GridOn) DrawGrid(c);
+  if (c.display.CodesOn) {
+    for (const Entity& e : d.EntityTable) {
+      if (e.Deleted || !InPaper(c.view, e.X[0], e.Y[0])) continue;
+      double x, y;
+      c.ToPixel(e.X[0], e.Y[0], x, y);
+      c.Text(x + 4, y + 2, std::to_string(e.Code), ui::MakeRgb(0, 0, 160), 9);
+    }
+  }
+  c.ui.SetLabel("Label41", std::to_string(d.PointCount));
+  c.ui.SetStatusPanel(4, "測點 " + std::to_string(d.PointCount - d.DeletedPointCount));
+  c.ui.SetStatusPanel(5, "圖元 " + std::to_string(d.EntityCount - d.DeletedEntityCount));
+  DrawScaleBar(c);
+  if (c.display.MatchingOverlay) c.display.MatchingOverlay();
+  if (c.display.LineInProgress && c.display.ChainCount > 0) {
+    double x, y;
+    c.ToPixel(c.display.ChainLastE, c.display.ChainLastN, x, y);
+    c.surface.SetDrawMode(ui::DrawMode::Invert);
+    c.SetPen(kRubberBand);
+    c.Line(x, y, c.display.PointerX, c.display.PointerY);
+    c.surface.SetDrawMode(ui::DrawMode::Copy);
+  }
+}
+
+}  // namespace tavik::view
