@@ -59,7 +59,7 @@ void AddShape(Box& total, const Row& r) {
 
 }  // namespace
 
-bool RecomputeExtent(Document& doc) {
+bool ExtentOfLiveData(Document& doc) {
   Box box;
   for (const Point& p : doc.PointTable)
     if (!p.Deleted) box.Add(p.E, p.N);
@@ -76,7 +76,7 @@ bool RecomputeExtent(Document& doc) {
 }
 
 bool FitWholeExtent(Document& doc, View& view, ViewUi& ui) {
-  if (!RecomputeExtent(doc)) return false;
+  if (!ExtentOfLiveData(doc)) return false;
   doc.ViewCentreE = (doc.MinE + doc.MaxE) / 2;
   doc.ViewCentreN = (doc.MinN + doc.MaxN) / 2;
   FitScale(doc, view, doc.MinE, doc.MinN, doc.MaxE, doc.MaxN, ui);

@@ -11,7 +11,7 @@ namespace tavik::view {
 // Sets MinE, MaxE, MinN, MaxN over live points, live entities and base-map lines.
 // Returns false, leaving the starting values in place, when there is nothing.
 // Non-finite coordinates are left out.
-bool RecomputeExtent(Document& doc);
+bool ExtentOfLiveData(Document& doc);
 
 // The whole extent: centre on its middle and fit the scale to it. A single spot gives
 // scale 1, and the extent becomes the paper rectangle of that view. Calls ComputeView.

@@ -40,7 +40,7 @@ void AfterViewChange(MapCanvas& c) {
 bool ZE(MapCanvas& c) {
   if (!c.doc.IsOpen()) return false;
   const double scale = c.doc.ScaleDenominator, E = c.doc.ViewCentreE, N = c.doc.ViewCentreN;
-  if (!RecomputeExtent(c.doc)) return false;
+  if (!ExtentOfLiveData(c.doc)) return false;
   PushView(c.view, scale, E, N, c.ui);
   FitWholeExtent(c.doc, c.view, c.ui);
   AfterViewChange(c);
