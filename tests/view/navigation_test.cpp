@@ -1,0 +1,173 @@
+#include "view/navigation.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "canvas_fixture.h"
+
+namespace tavik::view {
+namespace {
+
+struct NavFixture : CanvasFixture {
+  int rebuilds = 0, headers = 0;
+  NavFixture() {
+    canvas.RebuildScreenTables = [this] { ++rebuilds; };
+    canvas.WriteRecoveryHeader = [this] { ++headers; };
+    doc.PointTable.push_back({1, 1000, 2000, 0, kFalse});
+    doc.PointTable.push_back({2, 1200, 2100, 0, kFalse});
+    doc.PointCount = 2;
+  }
+};
+
+TEST(ViewCommands, EachPushesTheViewAndRunsTheTail) {
+  struct Case {
+    const char* name;
+    bool (*run)(MapCanvas&);
+    double scale, E, N;
+  } cases[] = {
+      {"ZoomIn", ZoomIn, 375, 1000, 2000},
+      {"ZoomOut", ZoomOut, 500 / 0.75, 1000, 2000},
+      {"ZT", ZT, 500, 1200, 2100},
+  };
+  for (const Case& c : cases) {
+    NavFixture f;
+    ASSERT_TRUE(c.run(f.canvas)) << c.name;
+    EXPECT_NEAR(f.doc.ScaleDenominator, c.scale, 1e-9) << c.name;
+    EXPECT_EQ(f.doc.ViewCentreE, c.E) << c.name;
+    EXPECT_EQ(f.doc.ViewCentreN, c.N) << c.name;
+    EXPECT_EQ(f.view.ViewHistoryCount, 1) << c.name;
+    EXPECT_EQ(f.view.ViewHistory[0][0], 500) << c.name;
+    EXPECT_EQ(f.rebuilds, 1) << c.name;
+    EXPECT_EQ(f.headers, 1) << c.name;
+    EXPECT_EQ(f.surface.Count("clear"), 1u) << c.name;
+    EXPECT_EQ(f.ui.panels[1], "1 :" + std::to_string(static_cast<long>(c.scale))) << c.name;
+    EXPECT_TRUE(InScreen(f.view, c.E, c.N));
+  }
+}
+
+TEST(ViewCommands, ZoomInAtScaleOneDoesNothing) {
+  NavFixture f;
+  f.doc.ScaleDenominator = 1.2;
+  ASSERT_TRUE(ZoomIn(f.canvas));
+  EXPECT_EQ(f.doc.ScaleDenominator, 1);
+  f.surface.ops.clear();
+  EXPECT_FALSE(ZoomIn(f.canvas));
+  EXPECT_EQ(f.doc.ScaleDenominator, 1);
+  EXPECT_EQ(f.view.ViewHistoryCount, 1);
+  EXPECT_TRUE(f.surface.ops.empty());
+}
+
+TEST(ViewCommands, NeedAnOpenDocumentAndTheirData) {
+  NavFixture f;
+  EXPECT_FALSE(ZC(f.canvas));  // no station
+  f.doc.StationSet = kTrue;
+  f.doc.StationE = 1100, f.doc.StationN = 2050;
+  EXPECT_TRUE(ZC(f.canvas));
+  EXPECT_EQ(f.doc.ViewCentreE, 1100);
+  f.doc.DocumentName.clear();
+  for (auto run : {ZE, ZP, ZS, ZC, ZT, ZoomIn, ZoomOut}) EXPECT_FALSE(run(f.canvas));
+  NavFixture empty;
+  empty.doc.PointTable.clear();
+  EXPECT_FALSE(ZE(empty.canvas));
+  EXPECT_FALSE(ZT(empty.canvas));
+  EXPECT_EQ(empty.view.ViewHistoryCount, 0);
+}
+
+TEST(ViewCommands, ZoomExtentThenPrevious) {
+  NavFixture f;
+  ASSERT_TRUE(ZE(f.canvas));
+  EXPECT_EQ(f.doc.ViewCentreE, 1100);
+  EXPECT_EQ(f.doc.ViewCentreN, 2050);
+  EXPECT_TRUE(InScreen(f.view, 1000, 2000));
+  EXPECT_TRUE(InScreen(f.view, 1200, 2100));
+  EXPECT_EQ(f.ui.tips[ButtonZoomPrevious], "前有1幕");
+  ASSERT_TRUE(ZP(f.canvas));
+  EXPECT_EQ(f.doc.ScaleDenominator, 500);
+  EXPECT_EQ(f.doc.ViewCentreE, 1000);
+  EXPECT_EQ(f.ui.tips[ButtonZoomPrevious], "前有0幕");
+  EXPECT_FALSE(f.ui.enabled[ButtonZoomPrevious]);
+  EXPECT_FALSE(ZP(f.canvas));
+}
+
+TEST(ViewCommands, SetScaleAsksAndAcceptsOnlyAPositiveNumber) {
+  struct Case {
+    std::optional<std::string> answer;
+    bool changed;
+    double scale;
+    std::size_t messages;
+  } cases[] = {{"1000", true, 1000, 0}, {" 250.5 ", true, 250.5, 0}, {"0.2", true, 1, 0},
+               {"", false, 500, 0},     {std::nullopt, false, 500, 0}, {"abc", false, 500, 1},
+               {"-5", false, 500, 1},   {"1e300", false, 500, 1}};
+  for (const Case& c : cases) {
+    NavFixture f;
+    f.dialogs.inputs.push_back(c.answer);
+    EXPECT_EQ(ZS(f.canvas), c.changed);
+    EXPECT_EQ(f.doc.ScaleDenominator, c.scale);
+    ASSERT_GE(f.dialogs.shown.size(), 1u);
+    EXPECT_EQ(f.dialogs.shown[0].text, "新的螢幕圖比例尺:");
+    EXPECT_EQ(f.dialogs.shown[0].title, "目前圖面比例尺 1:500");
+    EXPECT_EQ(f.dialogs.Messages().size(), c.messages);
+    EXPECT_EQ(f.view.ViewHistoryCount, c.changed ? 1 : 0);
+  }
+}
+
+TEST(ViewCommands, WindowFitCentresOnTheWindow) {
+  NavFixture f;
+  std::string mode;
+  ZW(mode, f.ui);
+  EXPECT_EQ(mode, "ZoomW");
+  EXPECT_TRUE(f.ui.pressed[ButtonZoomWindow]);
+  ASSERT_TRUE(ZoomWindowFit(f.canvas, 1100, 2000, 1000, 2100));
+  EXPECT_EQ(f.doc.ViewCentreE, 1050);
+  EXPECT_EQ(f.doc.ViewCentreN, 2050);
+  EXPECT_NEAR(f.doc.ScaleDenominator, 100 / (600 / 32.5) * 100, 1e-9);
+  EXPECT_FALSE(ZoomWindowFit(f.canvas, NAN, 0, 1, 1));
+}
+
+TEST(Pan, DragMovesThePaperWithoutARepaintUntilRelease) {
+  NavFixture f;
+  PanDrag pan;
+  PanStart(f.canvas, pan, 400, 300);
+  EXPECT_EQ(f.view.ViewHistoryCount, 1);
+  PanMove(f.canvas, pan, 465, 235);  // 65 px right and up: 10 m each at 1 : 500
+  EXPECT_TRUE(f.surface.ops.empty());
+  EXPECT_NEAR(f.doc.ViewCentreE, 990, 1e-9);
+  EXPECT_NEAR(f.doc.ViewCentreN, 1990, 1e-9);
+  EXPECT_NEAR(f.ui.paperLeft, -1200 + 65, 1e-3);
+  EXPECT_NEAR(f.ui.paperTop, -900 - 65, 1e-3);
+  EXPECT_EQ(f.rebuilds, 0);
+  PanEnd(f.canvas, pan);
+  EXPECT_EQ(f.surface.Count("clear"), 1u);
+  EXPECT_EQ(f.rebuilds, 1);
+  EXPECT_EQ(f.ui.paperLeft, -1200);
+  EXPECT_FALSE(pan.active);
+}
+
+TEST(Pan, ScrollBarsMoveTheCentreWithoutARepaint) {
+  NavFixture f;
+  HScrollTo(f.canvas, 100);
+  VScrollTo(f.canvas, 0);
+  EXPECT_TRUE(f.surface.ops.empty());
+  EXPECT_EQ(f.rebuilds, 2);
+  EXPECT_EQ(f.headers, 2);
+  EXPECT_NEAR(f.doc.ViewCentreE, f.view.PaperMaxE - (f.view.PaperMaxE - f.view.PaperMinE) / 8, 1e-6);
+  EXPECT_NEAR(f.doc.ViewCentreN, f.view.PaperMaxN - (f.view.PaperMaxN - f.view.PaperMinN) / 8, 1e-6);
+  EXPECT_NEAR(f.view.ScreenMaxE, f.view.PaperMaxE, 1e-6);  // the viewport reaches the paper's edge
+  HScrollTo(f.canvas, 101);                                 // out of range: ignored
+  EXPECT_EQ(f.rebuilds, 2);
+}
+
+TEST(NewRows, AreDrawnOntoThePictureWithoutARepaint) {
+  NavFixture f;
+  f.Add(KindLine, 301, {990, 2000, 1010, 2000});
+  DrawNewEntity(f.canvas, 0);
+  DrawNewPoint(f.canvas, 1);
+  EXPECT_EQ(f.surface.Count("clear"), 0u);
+  EXPECT_EQ(f.surface.Count("line"), 3u);
+  DrawNewEntity(f.canvas, 99);  // no such row
+  EXPECT_EQ(f.surface.Count("line"), 3u);
+}
+
+}  // namespace
+}  // namespace tavik::view
