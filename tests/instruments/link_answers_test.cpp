@@ -1,0 +1,303 @@
+// Every family's answers as byte streams: each case is fed whole and again split in two
+// at every byte boundary, and must come out the same.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "link_test_support.h"
+
+namespace tavik::test {
+namespace {
+
+// A Trimble 3600 record: blanks with the given columns (1-based) filled in.
+std::string Columns(std::initializer_list<std::pair<int, const char*>> parts) {
+  std::string line(86, ' ');
+  for (auto [pos, text] : parts) line.replace(pos - 1, std::string(text).size(), text);
+  return line + "\r\n";
+}
+const std::string k3600 = Columns({{1, "1001"}, {44, "SD"}, {46, "      12.345"}, {59, "Hz"}, {61, "    123"},
+                                   {68, "."}, {69, "4512"}, {73, "3"}, {75, "V1"}, {77, " 90"}, {80, "."},
+                                   {81, "0000"}, {85, "0"}});
+const std::string k3600V2 = Columns({{44, "SD"}, {46, "      12.345"}, {59, "Hz"}, {61, "    123"}, {69, "4512"},
+                                     {73, "3"}, {75, "V2"}, {77, " 90"}, {81, "0000"}, {85, "0"}});
+
+struct Case {
+  const char* legend;
+  const char* kind;
+  std::string bytes;
+  // Set-up before the answer.
+  double priorSlope = 0;
+  bool fitAngle = false;      // an angle-only read waits instead of a point shot
+  bool faceWarning = true;
+  const char* shotMode = "快測";
+  // Expected.
+  const char* delivered = "";  // "point", "angle" or "" for none
+  std::vector<std::string> boxes = {};
+  double slope = 0;
+  int32_t hz = 0, v = 0;
+  const char* label29 = nullptr;
+  const char* labelZA = nullptr;
+  const char* obsBoxEnds = nullptr;
+  bool waitShown = false;  // MsgObserve still on
+  std::string setWritten = "";
+  std::string topWritten = "";
+  bool topClosed = false;
+};
+
+const std::string kLeica =
+    "*31..00+0000000000012345 *21.322+0000000012345120 *22.322+0000000009000000 \r\n";
+const std::string kLeicaAngles = "*21.322+0000000012345120 *22.322+0000000009000000 \r\n";
+const std::string kAck = std::string("\x06") + "006\x03\r\n";
+const std::string kStop = "\x12\r\n";
+
+const std::vector<Case>& Cases() {
+  static const std::vector<Case> cases = {
+      // Leica
+      {.legend = "Leica distance and angles", .kind = "FlexLine", .bytes = kLeica, .delivered = "point",
+       .slope = 12.345, .hz = 1234512, .v = 900000, .label29 = "123-45-12", .labelZA = "90-0-00"},
+      {.legend = "Leica GSI16 words without the star", .kind = "TCA1100",
+       .bytes = "*31..00+0000000000012345 21.322+0000000012345120 22.322+0000000009000000\r\n",
+       .delivered = "point", .slope = 12.345, .hz = 1234512, .v = 900000},
+      {.legend = "Leica distance word has no unstarred form", .kind = "TCR1103",
+       .bytes = "31..00+0000000000012345 *21.322+0000000012345120 *22.322+0000000009000000 \r\n",
+       .priorSlope = 0, .slope = 0, .hz = 1234512, .v = 900000},
+      {.legend = "Leica two fields: ignored, the wait stays", .kind = "FlexLine",
+       .bytes = "*21.322+0000000012345120 *22.322+0000000009000000\r\n", .waitShown = true},
+      {.legend = "Leica angle-only read keeps the previous distance", .kind = "TCRA1103plus",
+       .bytes = kLeicaAngles, .priorSlope = 25, .fitAngle = true, .delivered = "angle", .slope = 25,
+       .hz = 1234512, .v = 900000},
+      {.legend = "Leica angle-only read after a start fails the distance test", .kind = "FlexLine",
+       .bytes = kLeicaAngles, .fitAngle = true, .boxes = {"資料錯誤|平距值錯誤."}, .hz = 1234512, .v = 900000,
+       .obsBoxEnds = " 距離值錯誤."},
+      {.legend = "Leica zero distance stops silently", .kind = "FlexLine",
+       .bytes = "*31..00+0000000000000000 *21.322+0000000012345120 *22.322+0000000009000000 \r\n",
+       .hz = 1234512, .v = 900000},
+      // Topcon
+      {.legend = "Topcon distance answer", .kind = "GTS22X", .bytes = "?+00012345m0900000+1234512d+00\r\n",
+       .delivered = "point", .slope = 12.345, .hz = 1234512, .v = 900000, .label29 = "123-45-12",
+       .labelZA = "90-00-00", .topWritten = kAck, .topClosed = true},
+      {.legend = "Topcon angle answer always fails the distance test", .kind = "GTS211D",
+       .bytes = "<0900000+1234512d\r\n", .priorSlope = 30, .fitAngle = true, .boxes = {"資料錯誤|平距值錯誤."},
+       .slope = 0, .hz = 1234512, .v = 900000, .label29 = "123-45-12", .topWritten = kAck, .topClosed = true},
+      {.legend = "Topcon acknowledge is not acknowledged", .kind = "GTS22X",
+       .bytes = "\x06" "0900000+1234512d\r\n", .waitShown = true},
+      {.legend = "Topcon unknown line dropped", .kind = "GTS22X", .bytes = "X+00012345m0900000+1234512d\r\n",
+       .waitShown = true},
+      // Trimble
+      {.legend = "Trimble prompt ends the answer", .kind = "Trimble",
+       .bytes = "\r\n7=123.4512\r\n8=90.0000\r\n9=12.345\r\n>", .delivered = "point", .slope = 12.345,
+       .hz = 1234512, .v = 900000, .label29 = "123-45-12", .labelZA = "90-0-00"},
+      {.legend = "Trimble three lines ignored", .kind = "Trimble", .bytes = "7=123.4512\n8=90.0000\n>",
+       .waitShown = true},
+      // Trimble 3600
+      {.legend = "Trimble 3600 columns with tenths", .kind = "Trimble3600", .bytes = k3600,
+       .delivered = "point", .slope = 12.345, .hz = 1234512, .v = 900000, .label29 = "123-45-12.3",
+       .labelZA = "90-00-00.0"},
+      {.legend = "Trimble 3600 V2 never delivers", .kind = "Trimble3600", .bytes = k3600V2,
+       .boxes = {"TAVIK|垂直角定義錯誤"}, .waitShown = true},
+      // PENTAX
+      {.legend = "PENTAX HHD line", .kind = "PENTAX", .bytes = "HHD  0123.45.12 ZA  0090.00.00 SD    12.345\r\n",
+       .delivered = "point", .slope = 12.345, .hz = 1234512, .v = 900000, .label29 = "123-45-12",
+       .topClosed = true},
+      {.legend = "PENTAX damaged line", .kind = "PENTAX", .bytes = "HD  0123.45.12\r\n",
+       .obsBoxEnds = "資料錯誤!!(資料不全)", .topClosed = true},
+      // SET
+      {.legend = "SET line, status digit dropped", .kind = "SET30R", .bytes = "90012345 0900000 1234512\r\n",
+       .delivered = "point", .slope = 12.345, .hz = 1234512, .v = 900000, .label29 = "123-45-12",
+       .labelZA = "90-00-00", .setWritten = kStop},
+      {.legend = "SET only the last seven distance digits", .kind = "TCR805power",
+       .bytes = "12345678901 0900000 1234512\r\n", .delivered = "point", .slope = 5678.901, .hz = 1234512,
+       .v = 900000, .setWritten = kStop},
+      {.legend = "SET continuous mode is not stopped", .kind = "SRX", .bytes = "0012345 0900000 1234512\r\n",
+       .shotMode = "連測", .delivered = "point", .slope = 12.345, .hz = 1234512, .v = 900000},
+      {.legend = "SET 8 characters dropped", .kind = "SET30R", .bytes = "123 456\n", .setWritten = kStop},
+      {.legend = "SET 9 characters, two fields, dropped", .kind = "SET30R", .bytes = "1234 678\n",
+       .setWritten = kStop},
+      {.legend = "SET E200 in field 0: no prism", .kind = "SET30R", .bytes = "E200 0900000 1234512\r\n",
+       .boxes = {"無法測距|被測物反射不良或找不到稜鏡."}, .obsBoxEnds = " 被測物反射不良或找不到稜鏡.",
+       .setWritten = kStop},
+      {.legend = "SET E200 in field 1 is an unknown error", .kind = "SET30R", .bytes = "0012345 E200 1234512\r\n",
+       .boxes = {"有問題|ER資料錯誤!"}, .obsBoxEnds = " 不明原因,導致資料錯誤.", .setWritten = kStop},
+      {.legend = "SET tilt E117 in field 1", .kind = "SET30R", .bytes = "0012345 E117 1234512\r\n",
+       .boxes = {"儀器有問題|儀器傾斜超出補償範圍, 請整平後再測."}, .setWritten = kStop},
+      {.legend = "SET tilt E114 in field 2", .kind = "SET30R", .bytes = "0012345 0900000 E114\r\n",
+       .boxes = {"儀器有問題|儀器傾斜超出補償範圍, 請整平後再測."}, .setWritten = kStop},
+      {.legend = "SET distance not a number", .kind = "SET30R", .bytes = "00a2345 0900000 1234512\r\n",
+       .boxes = {"有問題|ER資料錯誤!"}, .setWritten = kStop},
+      {.legend = "SET angle not a number keeps the distance read", .kind = "SET30R",
+       .bytes = "0012345 09x0000 1234512\r\n", .boxes = {"有問題|ER資料錯誤!"}, .slope = 12.345,
+       .setWritten = kStop},
+      {.legend = "SET distance below 1 cm", .kind = "SET30R", .bytes = "0000009 0900000 1234512\r\n",
+       .boxes = {"SD資料錯誤|斜距值錯誤."}, .slope = 0.009, .obsBoxEnds = " 距離值錯誤.", .setWritten = kStop},
+      {.legend = "SET 1 cm passes, HD near the zenith fails", .kind = "SET30R",
+       .bytes = "0000010 0000030 1234512\r\n", .boxes = {"HD資料錯誤|平距值錯誤."}, .slope = 0.01,
+       .hz = 1234512, .v = 30, .setWritten = kStop},
+      {.legend = "SET zenith of exactly pi: no face reminder", .kind = "SET30R",
+       .bytes = "0012345 1800000 0000000\r\n", .boxes = {"HD資料錯誤|平距值錯誤."}, .slope = 12.345, .v = 1800000,
+       .setWritten = kStop},
+      {.legend = "SET zenith one second past pi: face reminder", .kind = "SET30R",
+       .bytes = "0012345 1800001 0000000\r\n",
+       .boxes = {"倒鏡提示|提醒您: 儀器目前是倒鏡狀態", "HD資料錯誤|平距值錯誤."}, .slope = 12.345, .v = 1800001,
+       .setWritten = kStop},
+      {.legend = "SET face two without the reminder", .kind = "SET30R", .bytes = "0012345 2700000 0000000\r\n",
+       .faceWarning = false, .boxes = {"HD資料錯誤|平距值錯誤."}, .slope = 12.345, .v = 2700000,
+       .setWritten = kStop},
+      {.legend = "SET tracking line sets the zenith only", .kind = "SET30R",
+       .bytes = "Ee,1000.000,2000.000,100.000,90.0010\r\n", .v = 900010, .setWritten = kStop},
+      {.legend = "SET identification", .kind = "SET30R", .bytes = "A SET30R,123456,1.23,2.34\r\n",
+       .obsBoxEnds = " 儀器型號:SOKKIA SET30R  序號:123456  軔體版本:1.23  測距版本:2.34", .setWritten = kStop},
+  };
+  return cases;
+}
+
+struct Outcome {
+  std::vector<std::string> delivered, boxes;
+  double slope;
+  int32_t hz, v;
+  WaitPicture picture;
+  std::string setWritten, topWritten;
+  bool topOpen;
+};
+
+Outcome Feed(const Case& c, std::size_t split) {
+  LinkRig rig;
+  rig.state.InstrumentKind = c.kind;
+  rig.state.ObsSlope = c.priorSlope;
+  rig.state.FaceWarning = c.faceWarning ? -1 : 0;
+  rig.state.ShotMode = c.shotMode;
+  (c.fitAngle ? rig.state.AwaitFitAngle : rig.state.AwaitPointShot) = -1;
+  rig.set.open = rig.top.open = true;
+  rig.link.picture.MsgObserve = true;
+  FakePort& port = FamilyOf(c.kind) == Family::Set ? rig.set : rig.top;
+  port.Receive(std::string_view(c.bytes).substr(0, split));
+  port.Receive(std::string_view(c.bytes).substr(split));
+  return {rig.delivered, rig.Boxes(), rig.state.ObsSlope, rig.state.ObsHzRaw, rig.state.ObsVRaw,
+          rig.link.picture, rig.set.written, rig.top.written, rig.top.open};
+}
+
+TEST(LinkAnswers, EveryFamilyWholeAndSplitAtEveryByte) {
+  for (const Case& c : Cases()) {
+    for (std::size_t split = 0; split <= c.bytes.size(); ++split) {
+      SCOPED_TRACE(std::string(c.legend) + " split at " + std::to_string(split));
+      Outcome o = Feed(c, split);
+      std::vector<std::string> delivered;
+      if (*c.delivered) delivered.push_back(c.delivered);
+      ASSERT_EQ(o.delivered, delivered);
+      ASSERT_EQ(o.boxes, c.boxes);
+      ASSERT_DOUBLE_EQ(o.slope, c.slope);
+      ASSERT_EQ(o.hz, c.hz);
+      ASSERT_EQ(o.v, c.v);
+      ASSERT_EQ(o.picture.MsgObserve, c.waitShown);
+      if (c.label29) {
+        ASSERT_EQ(o.picture.Label29, c.label29);
+      }
+      if (c.labelZA) {
+        ASSERT_EQ(o.picture.LabelZA, c.labelZA);
+      }
+      if (c.obsBoxEnds) {
+        std::string box = o.picture.OBSBox, end = c.obsBoxEnds;
+        ASSERT_GE(box.size(), end.size()) << box;
+        ASSERT_EQ(box.substr(box.size() - end.size()), end);
+      }
+      ASSERT_EQ(o.setWritten, c.setWritten);
+      ASSERT_EQ(o.topWritten, c.topWritten);
+      ASSERT_EQ(o.topOpen, !c.topClosed);
+    }
+  }
+}
+
+TEST(LinkAnswers, DistanceAndHorizontalDistanceLabels) {
+  LinkRig rig;
+  rig.state.AwaitPointShot = -1;
+  rig.set.open = true;
+  // 100.000 m at a zenith of 60 degrees: horizontal 86.603 m.
+  rig.set.Receive("0100000 0600000 0000000\r\n");
+  EXPECT_EQ(rig.link.picture.LabelS, "100.000");
+  EXPECT_EQ(rig.link.picture.Label45, "86.603");
+  EXPECT_NEAR(rig.state.ObsV, 3.14159265358979 / 3, 1e-12);
+}
+
+TEST(LinkAnswers, Trimble3600KeepsTenthsInRadians) {
+  LinkRig rig;
+  rig.state.InstrumentKind = "Trimble3600";
+  rig.state.AwaitPointShot = -1;
+  rig.top.open = true;
+  rig.top.Receive(k3600);
+  double seconds = 12.3;
+  double expected = (123 + 45 / 60.0 + seconds / 3600) * 3.14159265358979 / 180;
+  EXPECT_NEAR(rig.state.ObsHz, expected, 1e-12);
+  EXPECT_GT(rig.state.ObsHz, (123 + 45 / 60.0 + 12 / 3600.0) * 3.14159265358979 / 180 + 1e-7);
+}
+
+TEST(LinkAnswers, FailedDistanceTestLeavesTheFlagSet) {
+  LinkRig rig;
+  rig.state.AwaitPointShot = -1;
+  rig.set.open = true;
+  rig.set.Receive("0000010 0000030 1234512\r\n");
+  EXPECT_TRUE(rig.delivered.empty());
+  EXPECT_EQ(rig.state.AwaitPointShot, -1);
+  rig.set.Receive("0012345 0900000 1234512\r\n");
+  EXPECT_EQ(rig.delivered, std::vector<std::string>{"point"});
+  EXPECT_EQ(rig.state.AwaitPointShot, 0);
+}
+
+TEST(LinkAnswers, DispatchOrderEachFlagClearedBeforeItsReceiver) {
+  LinkRig rig;
+  std::vector<std::string> seen;
+  auto probe = [&](const char* name) {
+    return [&, name] {
+      seen.push_back(std::string(name) + ":" + std::to_string(rig.state.AwaitStationShot) +
+                     std::to_string(rig.state.AwaitPointShot) + std::to_string(rig.state.AwaitFitShot) +
+                     std::to_string(rig.state.AwaitFitAngle));
+    };
+  };
+  rig.link.receivers.StationShot = probe("station");
+  rig.link.receivers.PointShot = probe("point");
+  rig.link.receivers.FitShot = probe("fit");
+  rig.link.receivers.FitAngle = probe("angle");
+  rig.state.AwaitStationShot = rig.state.AwaitPointShot = rig.state.AwaitFitShot = rig.state.AwaitFitAngle = -1;
+  rig.set.open = true;
+  rig.set.Receive("0012345 0900000 1234512\r\n");
+  EXPECT_EQ(seen, (std::vector<std::string>{"station:0-1-1-1", "point:00-1-1", "fit:000-1", "angle:0000"}));
+}
+
+TEST(LinkAnswers, StakeOutTakesTheSetLines) {
+  LinkRig rig;
+  rig.state.StakeOutActive = -1;
+  rig.state.AwaitPointShot = -1;
+  rig.set.open = true;
+  rig.set.Receive("0012345 0900000 1234512\r\nshort\r\n");
+  EXPECT_EQ(rig.stakeOut, std::vector<std::string>{"0012345 0900000 1234512\r\n"});
+  EXPECT_TRUE(rig.delivered.empty());
+  EXPECT_EQ(rig.set.written, "");  // no stop while staking out
+}
+
+TEST(LinkAnswers, DownloadTakesTheSetChannel) {
+  LinkRig rig;
+  char folder[] = "/tmp/tavik-download-XXXXXX";
+  ASSERT_NE(mkdtemp(folder), nullptr);
+  bool converted = false;
+  rig.link.download.Active = true;
+  rig.link.download.Folder = folder;
+  rig.link.download.StartConversion = [&] { converted = true; };
+  rig.set.open = true;
+  rig.set.Receive("old\x02" "0012345 0900000 1234512\r\nline 2\r\n\x03");
+  EXPECT_EQ(rig.link.download.Label1, "下載完畢.");
+  EXPECT_TRUE(converted);
+  EXPECT_TRUE(rig.delivered.empty());
+  std::string path = std::string(folder) + "/$SOK.OBS";
+  FILE* f = fopen(path.c_str(), "rb");
+  ASSERT_NE(f, nullptr);
+  char buf[256];
+  std::size_t n = fread(buf, 1, sizeof buf, f);
+  fclose(f);
+  EXPECT_EQ(std::string(buf, n), "0012345 0900000 1234512\r\nline 2\r\n");
+  std::remove(path.c_str());
+  rmdir(folder);
+}
+
+}  // namespace
+}  // namespace tavik::test
