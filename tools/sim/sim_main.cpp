@@ -1,0 +1,227 @@
+// tavik-sim: plays a total station on a pseudo-terminal (or a given serial device).
+// It prints the device path for TAVIK's COM port on its first line, then answers the
+// family's requests from a scene. Commands on standard input: fire, next, target N,
+// fault KIND, pull (the cable is pulled), quit.
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+#include <string>
+
+#include "tools/sim/instrument.h"
+
+namespace {
+
+using namespace tavik::sim;
+
+const char* kUsage =
+    "usage: tavik-sim --scene FILE [--family SET|GTS22X|GTS211D|Leica|Trimble|Trimble3600|PENTAX]\n"
+    "                 [--device PATH] [--fault KIND[@N]] [--garbage N] [--hold] [--auto MS]\n"
+    "                 [--record FILE] [--model NAME] [--serial N] [--verbose]\n"
+    "faults: e200 tilt garbled half silence face2 disconnect\n";
+
+void MakeRaw(int fd) {
+  termios t{};
+  if (tcgetattr(fd, &t) != 0) return;
+  cfmakeraw(&t);
+  tcsetattr(fd, TCSANOW, &t);
+}
+
+bool WriteAll(int fd, const std::string& bytes) {
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    ssize_t n = write(fd, bytes.data() + done, bytes.size() - done);
+    if (n < 0) {
+      if (errno == EINTR || errno == EAGAIN) {
+        usleep(1000);
+        continue;
+      }
+      return false;
+    }
+    done += static_cast<std::size_t>(n);
+  }
+  return true;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  signal(SIGPIPE, SIG_IGN);
+  std::string familyName = "SET", scenePath, device, faultText, recordPath;
+  Options options;
+  int autoMs = -1;
+  bool verbose = false;
+  for (int i = 1; i < argc; ++i) {
+    std::string a = argv[i];
+    auto value = [&]() -> std::string {
+      if (i + 1 >= argc) {
+        std::cerr << a << " needs a value\n" << kUsage;
+        std::exit(2);
+      }
+      return argv[++i];
+    };
+    if (a == "--family") familyName = value();
+    else if (a == "--scene") scenePath = value();
+    else if (a == "--device") device = value();
+    else if (a == "--fault") faultText = value();
+    else if (a == "--garbage") options.garbage = std::atoi(value().c_str());
+    else if (a == "--hold") options.hold = true;
+    else if (a == "--auto") autoMs = std::atoi(value().c_str());
+    else if (a == "--record") recordPath = value();
+    else if (a == "--model") options.model = value();
+    else if (a == "--serial") options.serial = value();
+    else if (a == "--verbose") verbose = true;
+    else if (a == "--help" || a == "-h") {
+      std::cout << kUsage;
+      return 0;
+    } else {
+      std::cerr << "unknown argument " << a << "\n" << kUsage;
+      return 2;
+    }
+  }
+  SimFamily family;
+  if (!ParseFamily(familyName, family)) {
+    std::cerr << "unknown family " << familyName << "\n" << kUsage;
+    return 2;
+  }
+  if (scenePath.empty()) {
+    std::cerr << "a scene is needed\n" << kUsage;
+    return 2;
+  }
+  Scene scene;
+  std::string error;
+  if (!LoadScene(scenePath, scene, error)) {
+    std::cerr << scenePath << ": " << error << "\n";
+    return 1;
+  }
+  Instrument instrument(family, scene, options);
+  if (!faultText.empty()) {
+    std::string kind = faultText;
+    int at = 1;
+    if (auto p = faultText.find('@'); p != std::string::npos) {
+      kind = faultText.substr(0, p);
+      at = std::atoi(faultText.c_str() + p + 1);
+    }
+    Fault f;
+    if (!ParseFault(kind, f)) {
+      std::cerr << "unknown fault " << kind << "\n" << kUsage;
+      return 2;
+    }
+    instrument.Arm(f, at);
+  }
+
+  int fd = -1, slave = -1;
+  std::string path;
+  if (device.empty()) {
+    fd = posix_openpt(O_RDWR | O_NOCTTY);
+    if (fd < 0 || grantpt(fd) != 0 || unlockpt(fd) != 0) {
+      std::perror("posix_openpt");
+      return 1;
+    }
+    path = ptsname(fd);
+    // Holding the slave open keeps the line alive while TAVIK closes and reopens its
+    // port (Topcon does so for every shot), and lets us make it raw from the start.
+    slave = open(path.c_str(), O_RDWR | O_NOCTTY);
+    if (slave >= 0) MakeRaw(slave);
+  } else {
+    fd = open(device.c_str(), O_RDWR | O_NOCTTY);
+    if (fd < 0) {
+      std::perror(device.c_str());
+      return 1;
+    }
+    MakeRaw(fd);
+    path = device;
+  }
+  std::cout << path << std::endl;
+
+  std::ofstream record;
+  if (!recordPath.empty()) record.open(recordPath, std::ios::binary | std::ios::app);
+
+  auto send = [&](const std::string& bytes) {
+    if (bytes.empty()) return true;
+    if (verbose) std::cerr << "sim> " << bytes.size() << " bytes\n";
+    return WriteAll(fd, bytes);
+  };
+  auto pull = [&]() {
+    if (verbose) std::cerr << "sim: cable pulled\n";
+    if (slave >= 0) close(slave);
+    close(fd);
+    std::exit(0);
+  };
+
+  bool stdinOpen = true;
+  std::string stdinLine;
+  for (;;) {
+    pollfd fds[2] = {{fd, POLLIN, 0}, {stdinOpen ? STDIN_FILENO : -1, POLLIN, 0}};
+    int n = poll(fds, 2, autoMs > 0 ? autoMs : -1);
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      break;
+    }
+    if (n == 0) {  // the user fires at the instrument on a fixed beat
+      if (!send(instrument.Fire())) break;
+      continue;
+    }
+    if (fds[0].revents & POLLIN) {
+      char buf[512];
+      ssize_t got = read(fd, buf, sizeof buf);
+      if (got <= 0) {
+        if (got < 0 && (errno == EINTR || errno == EAGAIN)) continue;
+        break;
+      }
+      if (record.is_open()) {
+        record.write(buf, got);
+        record.flush();
+      }
+      for (ssize_t i = 0; i < got; ++i) {
+        if (!send(instrument.Feed(buf[i]))) return 1;
+        if (instrument.Disconnecting()) pull();
+      }
+    } else if (fds[0].revents & (POLLERR | POLLHUP)) {
+      usleep(10000);  // nobody on the other end yet
+    }
+    if (stdinOpen && (fds[1].revents & (POLLIN | POLLHUP))) {
+      char c;
+      ssize_t got = read(STDIN_FILENO, &c, 1);
+      if (got <= 0) {
+        stdinOpen = false;
+        continue;
+      }
+      if (c != '\n') {
+        stdinLine.push_back(c);
+        continue;
+      }
+      std::istringstream words(stdinLine);
+      stdinLine.clear();
+      std::string cmd, arg;
+      words >> cmd >> arg;
+      if (cmd == "fire") {
+        send(instrument.Fire());
+        if (instrument.Disconnecting()) pull();
+      } else if (cmd == "next") {
+        instrument.NextTarget();
+      } else if (cmd == "target") {
+        if (!instrument.SelectTarget(static_cast<std::size_t>(std::atoi(arg.c_str())))) std::cerr << "no such target\n";
+      } else if (cmd == "fault") {
+        Fault f;
+        if (ParseFault(arg, f)) instrument.Arm(f);
+        else std::cerr << "unknown fault " << arg << "\n";
+      } else if (cmd == "pull") {
+        pull();
+      } else if (cmd == "quit") {
+        break;
+      }
+    }
+  }
+  if (slave >= 0) close(slave);
+  close(fd);
+  return 0;
+}
