@@ -1,0 +1,206 @@
+// End to end: TAVIK's serial port (QSerialPort) and link against tavik-sim on a
+// pseudo-terminal, for every family. The decoded observation, reduced with the scene's
+// own station and orientation, must land on the target within the instrument's
+// rounding; a cable pulled in the middle of an answer must close the port cleanly.
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <cmath>
+#include <functional>
+#include <memory>
+
+#include "instruments/inst_options.h"
+#include "instruments/link.h"
+#include "platform/qt/serial_port.h"
+#include "platform/scripted/scripted.h"
+
+namespace tavik::test {
+namespace {
+
+constexpr double kPi = 3.14159265358979;
+
+QCoreApplication& App() {
+  static int argc = 1;
+  static char name[] = "instruments_e2e_tests";
+  static char* argv[] = {name, nullptr};
+  static QCoreApplication app(argc, argv);
+  return app;
+}
+
+bool SpinUntil(const std::function<bool()>& done, int ms = 5000) {
+  App();
+  QElapsedTimer clock;
+  clock.start();
+  while (!done() && clock.elapsed() < ms) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+  return done();
+}
+
+// Station (1000, 2000, 50), instrument height 1.5, circle zero at azimuth 30 degrees.
+const char* kScene =
+    "station 1000 2000 50 1.5\n"
+    "orientation 30\n"
+    "target T1 1063.214 2087.512 53.871 1.6\n"
+    "target T2 912.5 1971.25 47.02 1.2\n";
+struct Point { double e, n, h, height; };
+const Point kTargets[] = {{1063.214, 2087.512, 53.871, 1.6}, {912.5, 1971.25, 47.02, 1.2}};
+
+class Sim {
+ public:
+  Sim(const std::string& family, const QStringList& extra = {}) : process_((App(), nullptr)) {
+    scene_.reset(new QTemporaryDir);
+    QString scenePath = scene_->filePath("scene.txt");
+    FILE* f = std::fopen(scenePath.toStdString().c_str(), "w");
+    std::fputs(kScene, f);
+    std::fclose(f);
+    QStringList args = {"--family", QString::fromStdString(family), "--scene", scenePath, "--hold"};
+    process_.start(TAVIK_BIN_DIR "/tools/sim/tavik-sim", args + extra);
+    process_.waitForStarted(5000);
+    SpinUntil([&] { return process_.canReadLine() || process_.state() == QProcess::NotRunning; }, 5000);
+    path = process_.readLine().trimmed().toStdString();
+  }
+  ~Sim() {
+    process_.kill();
+    process_.waitForFinished(2000);
+  }
+  void Command(const char* line) {
+    process_.write(line);
+    process_.waitForBytesWritten(1000);
+  }
+  bool Running() const { return process_.state() == QProcess::Running; }
+  std::string path;
+
+ private:
+  std::unique_ptr<QTemporaryDir> scene_;
+  QProcess process_;
+};
+
+struct Rig {
+  InstrumentState state;
+  ui::ScriptedDialogs dialogs;
+  ui::MemorySettingsStore settings;
+  ui::QtSerialPort set{&settings}, top{&settings};
+  TotalStationLink link{state, dialogs};
+  int delivered = 0;
+
+  explicit Rig(const std::string& device) {
+    App();
+    setenv("TAVIK_COM7", device.c_str(), 1);
+    state.PortNumber = 7;
+    link.MSComm_SET = &set;
+    link.MSComm_TOP = &top;
+    set.OnByte = [this](char c) { link.OnByte(Channel::Set, c); };
+    top.OnByte = [this](char c) { link.OnByte(Channel::Top, c); };
+    link.receivers.PointShot = [this] { ++delivered; };
+  }
+};
+
+// The point the observation reduces to, face one.
+Point Reduce(const InstrumentState& s, double targetHeight) {
+  double elevation = kPi / 2 - s.ObsV;
+  double azimuth = s.ObsHz + 30 * kPi / 180;
+  double hd = s.ObsSlope * std::cos(elevation);
+  return {1000 + hd * std::sin(azimuth), 2000 + hd * std::cos(azimuth),
+          50 + 1.5 + s.ObsSlope * std::sin(elevation) - targetHeight, targetHeight};
+}
+
+struct FamilyCase {
+  const char* simFamily;
+  const char* kind;
+  double tolerance;  // metres, from the instrument's rounding at about 100 m
+};
+
+TEST(SerialEndToEnd, EveryFamilyMeasuresTheScene) {
+  const FamilyCase cases[] = {
+      {"SET", "SET30R", 0.002},       {"SET", "TCR805power", 0.002},  {"GTS22X", "GTS22X", 0.002},
+      {"GTS211D", "GTS211D", 0.002},  {"Leica", "TCRA1103plus", 0.001}, {"Trimble", "Trimble", 0.002},
+      {"Trimble3600", "Trimble3600", 0.001}, {"PENTAX", "PENTAX", 0.002},
+  };
+  for (const FamilyCase& c : cases) {
+    SCOPED_TRACE(c.kind);
+    Sim sim(c.simFamily);
+    ASSERT_FALSE(sim.path.empty());
+    Rig rig(sim.path);
+    rig.state.InstrumentKind = c.kind;
+    for (int shot = 0; shot < 2; ++shot) {
+      rig.state.AwaitPointShot = -1;
+      sim.Command(shot == 0 ? "target 0\n" : "target 1\n");
+      SpinUntil([] { return false; }, 50);  // let the simulator take the command
+      rig.link.StartShot();
+      if (std::string(c.kind) == "Trimble3600") {
+        ASSERT_TRUE(rig.top.PortOpen());
+        sim.Command("fire\n");
+      }
+      ASSERT_TRUE(SpinUntil([&] { return rig.delivered == shot + 1; })) << rig.link.picture.OBSBox;
+      const Point& t = kTargets[shot];
+      Point p = Reduce(rig.state, t.height);
+      EXPECT_NEAR(p.e, t.e, c.tolerance);
+      EXPECT_NEAR(p.n, t.n, c.tolerance);
+      EXPECT_NEAR(p.h, t.h, c.tolerance);
+      EXPECT_FALSE(rig.link.picture.MsgObserve);
+    }
+    EXPECT_TRUE(rig.dialogs.shown.empty());
+  }
+}
+
+TEST(SerialEndToEnd, PulledCableMidAnswerClosesThePort) {
+  Sim sim("SET", {"--fault", "disconnect"});
+  Rig rig(sim.path);
+  int closed = 0;
+  rig.set.OnClosed = [&] { ++closed; };
+  rig.state.AwaitPointShot = -1;
+  rig.link.StartShot();
+  ASSERT_TRUE(SpinUntil([&] { return closed > 0; }));
+  EXPECT_FALSE(rig.set.PortOpen());
+  EXPECT_EQ(rig.delivered, 0);
+  // The program goes on: the half answer waits in the buffer, and the stop still completes.
+  SpinUntil([] { return false; }, 200);
+  EXPECT_EQ(closed, 1);
+  rig.link.StopShot();
+  EXPECT_TRUE(rig.link.picture.RecButtonEnabled);
+}
+
+TEST(SerialEndToEnd, IdentificationOfSokkiaAndLeica) {
+  struct Case {
+    const char* simFamily;
+    bool leica;
+    const char* kind;
+  };
+  for (const Case& c : {Case{"SET", false, "SET3110MV"}, Case{"Leica", true, "TCA1100L"}}) {
+    SCOPED_TRACE(c.kind);
+    Sim sim(c.simFamily, {"--model", c.kind, "--serial", "778899"});
+    App();
+    setenv("TAVIK_COM7", sim.path.c_str(), 1);
+    InstrumentState state;
+    state.PortNumber = 7;
+    ui::ScriptedDialogs dialogs;
+    struct Host : InstOptionsHost {
+      void ShowMeasureMode(const std::string&) override {}
+      void ShowRobotPanel(bool) override {}
+      void ShowInstrumentLabels(const std::string&, const std::string&) override {}
+      void ShowMapType(const std::string&) override {}
+      void ShowOBSBox(const std::string&) override {}
+    } host;
+    ui::MemorySettingsStore settings;
+    ui::QtSerialPort port(&settings);
+    ui::ManualTimer timer1, timer2;
+    InstOptionsLogic dlg(state, dialogs, host, port, timer1, timer2);
+    if (c.leica) {
+      dlg.PickOption(InstOption::Option24);
+      ASSERT_TRUE(SpinUntil([&] { return !port.PortOpen(); }));  // the type word closes the port
+      EXPECT_EQ(state.InstrumentSerial, "778899");
+    } else {
+      dlg.Command1Click();
+      timer2.Fire();
+      ASSERT_TRUE(SpinUntil([&] { return dlg.focusOK; }));
+      EXPECT_EQ(dlg.Label6_1, std::string("型號") + c.kind + " 序號778899");
+    }
+    EXPECT_EQ(state.InstrumentKind, c.kind);
+    EXPECT_TRUE(state.InstrumentIdentified);
+  }
+}
+
+}  // namespace
+}  // namespace tavik::test
