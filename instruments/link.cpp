@@ -4,13 +4,13 @@
 #include <fstream>
 
 #include "core/numbers.h"
+#include "geo/angles.h"
+#include "geo/constants.h"
 #include "instruments/decoders.h"
-#include "instruments/link_angles.h"
 
 namespace tavik {
 
 namespace {
-constexpr double kPi = 3.14159265358979;
 const char* const kMeasuring = "儀器觀測中...";
 }  // namespace
 
@@ -251,15 +251,16 @@ void TotalStationLink::OnTrimble3600(const std::string& frame) {
   picture.MsgObserve = false;
   if (!state_.AwaitFitAngle && state_.ObsSlope <= 0) return;
   auto text = [](double packed) {
-    double d, m, s;
-    link_angles::PackedToDms(packed, d, m, s);
+    int16_t d, m;
+    double s;
+    PackedToDms(packed, d, m, s);
     return num::Plain(d) + "-" + num::Format(m, "00") + "-" + num::Format(s, "00.0");
   };
   picture.Label29 = text(a.hz);
   picture.LabelZA = text(a.v);
   // Tenths of a second are kept in radians; the raw integers follow the distance test.
-  state_.ObsHz = link_angles::PackedToRadians(a.hz);
-  state_.ObsV = link_angles::PackedToRadians(a.v);
+  state_.ObsHz = PackedToRadians(a.hz);
+  state_.ObsV = PackedToRadians(a.v);
   CommonTail("資料錯誤", false, [&] {
     state_.ObsHzRaw = num::CLng(a.hz);
     state_.ObsVRaw = num::CLng(a.v);
@@ -336,11 +337,11 @@ void TotalStationLink::OnSet(const std::string& frame) {
 void TotalStationLink::CommonTail(const std::string& failureTitle, bool convert,
                                   const std::function<void()>& passed) {
   if (convert) {
-    state_.ObsHz = link_angles::PackedToRadians(state_.ObsHzRaw);
-    state_.ObsV = link_angles::PackedToRadians(state_.ObsVRaw);
+    state_.ObsHz = PackedToRadians(state_.ObsHzRaw);
+    state_.ObsV = PackedToRadians(state_.ObsVRaw);
   }
-  if (state_.ObsV > kPi && state_.FaceWarning) Box("提醒您: 儀器目前是倒鏡狀態", "倒鏡提示");
-  double hd = state_.ObsSlope * std::cos(kPi / 2 - state_.ObsV);
+  if (state_.ObsV > Pi && state_.FaceWarning) Box("提醒您: 儀器目前是倒鏡狀態", "倒鏡提示");
+  double hd = state_.ObsSlope * std::cos(Pi / 2 - state_.ObsV);
   if (hd < 0.01) {
     picture.OBSBox += " 距離值錯誤.";
     framer_.Clear();
