@@ -28,12 +28,8 @@ int main(int argc, char** argv) {
   paths.EnsureFolders();
 
   tavik::InstanceLock lock;
-  if (!lock.Acquire(paths.LockFile())) {
-    tavik::ui::QtDialogs dialogs;
-    dialogs.MsgBox("您不能開啟兩個TAVIK", "已有一個TAVIK在運作中", tavik::ui::Buttons::Ok,
-                   tavik::ui::Icon::Exclamation, std::nullopt);
-    return 1;
-  }
+  tavik::ui::QtDialogs refusal;
+  if (!tavik::TakeSingleInstance(lock, paths.LockFile(), refusal)) return 1;
 
   Program program(paths);
   // Maximised to the desktop's work area; set by hand too, for desktops without a
@@ -44,8 +40,8 @@ int main(int argc, char** argv) {
 
   if (!screenshot.empty()) {
     QTimer::singleShot(800, &program.frm, [&] {
-      program.frm.grab().save(QString::fromStdString(screenshot));
-      qapp.exit(0);
+      const bool saved = program.frm.grab().save(QString::fromStdString(screenshot));
+      qapp.exit(saved ? 0 : 2);
     });
   }
   return qapp.exec();

@@ -25,4 +25,10 @@ void InstanceLock::Release() {
   fd_ = -1;
 }
 
+bool TakeSingleInstance(InstanceLock& lock, const std::filesystem::path& file, ui::Dialogs& dialogs) {
+  if (lock.Acquire(file)) return true;
+  dialogs.MsgBox("您不能開啟兩個TAVIK", "已有一個TAVIK在運作中", ui::Buttons::Ok, ui::Icon::Exclamation);
+  return false;
+}
+
 }  // namespace tavik

@@ -5,6 +5,8 @@
 
 #include <filesystem>
 
+#include "platform/dialogs.h"
+
 namespace tavik {
 
 class InstanceLock {
@@ -23,5 +25,10 @@ class InstanceLock {
  private:
   int fd_ = -1;
 };
+
+// Start-up's first step: takes the lock, or tells the user that TAVIK is already
+// running ("您不能開啟兩個TAVIK" under "已有一個TAVIK在運作中") and returns false, in
+// which case the program ends.
+bool TakeSingleInstance(InstanceLock& lock, const std::filesystem::path& file, ui::Dialogs& dialogs);
 
 }  // namespace tavik
