@@ -154,6 +154,11 @@ void MainFrm::SetPanel(int index, const std::string& text) {
 
 void MainFrm::SetLabel41(const std::string& text) { labels_["Label41"]->setText(Q(text)); }
 void MainFrm::SetLabel42(const std::string& text) { labels_["Label42"]->setText(Q(text)); }
+void MainFrm::SetLabel(const std::string& name, const std::string& text) {
+  auto it = labels_.find(name);
+  if (it != labels_.end()) it->second->setText(Q(text));
+}
+
 void MainFrm::SetOBSBox(const std::string& text) { labels_["OBSBox"]->setText(Q(text)); }
 void MainFrm::SetMAPtype(const std::string& text) { labels_["MAPtype"]->setText(Q(text)); }
 

@@ -13,13 +13,14 @@
 
 #include "app/paper.h"
 #include "core/frame_window.h"
+#include "view/view_ui.h"
 
 class QAction;
 class QLabel;
 class QMenu;
 class QFrame;
 
-class MainFrm : public QMainWindow, public tavik::FrameWindow {
+class MainFrm : public QMainWindow, public tavik::FrameWindow, public tavik::view::ViewUi {
   Q_OBJECT
  public:
   explicit MainFrm(QWidget* parent = nullptr);
@@ -39,6 +40,11 @@ class MainFrm : public QMainWindow, public tavik::FrameWindow {
   void SetPaperEnabled(bool enabled) override;
   void RedrawPaper() override;
   void ShowInstrumentFrame() override;
+
+  // ViewUi: what the map view shows outside the picture. The toolbar, scroll bars and
+  // live marker come with the parts of the window that own them.
+  void SetStatusPanel(int panel, const std::string& text) override { SetPanel(panel, text); }
+  void SetLabel(const std::string& name, const std::string& text) override;
 
   PaperWidget* Paper1() const { return paper_; }
   // A menu or command by its control name ("MainMnuEdit", "MainMnuSave", "mnuFileItem(2)").

@@ -15,7 +15,7 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
       cycle(app, dialogs, store, frm, timers) {
   cycle.hooks.ComputeView = [this](tavik::Document& doc, tavik::View& view) {
     tavik::view::SetViewportSize(view, frm.Paper1()->Surface().Width(), frm.Paper1()->Surface().Height());
-    tavik::view::ComputeView(doc, view);
+    tavik::view::ComputeView(doc, view, frm);
   };
   cycle.hooks.RebuildScreenTables = [](tavik::Document& doc, tavik::View& view) {
     tavik::RebuildScreenPoints(doc, view);
