@@ -85,6 +85,35 @@ bool WriteNewFile(const fs::path& path, std::string_view bytes) {
   return ok;
 }
 
+BufferedFile::BufferedFile(const fs::path& path, std::size_t bufferBytes) : buf_(bufferBytes, '\0') {
+  fd_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+  ok_ = fd_ >= 0;
+}
+
+BufferedFile::~BufferedFile() {
+  if (fd_ >= 0) ::close(fd_);
+}
+
+bool BufferedFile::Drain() {
+  if (ok_ && used_ > 0) ok_ = WriteAll(fd_, std::string_view(buf_.data(), used_));
+  used_ = 0;
+  return ok_;
+}
+
+char* BufferedFile::Reserve(std::size_t n) {
+  if (used_ + n > buf_.size()) Drain();
+  return buf_.data() + used_;
+}
+
+bool BufferedFile::Finish() {
+  Drain();
+  if (fd_ < 0) return false;
+  if (ok_ && ::fsync(fd_) != 0) ok_ = false;
+  if (::close(fd_) != 0) ok_ = false;
+  fd_ = -1;
+  return ok_;
+}
+
 bool AppendDurably(const fs::path& path, std::string_view bytes) {
   int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
   if (fd < 0) return false;

@@ -16,6 +16,29 @@ bool ReadWholeFile(const std::filesystem::path& path, std::string& out);
 // Writes bytes to a new file (truncating any old one) and flushes it to disk.
 bool WriteNewFile(const std::filesystem::path& path, std::string_view bytes);
 
+// A new file written through a buffer of its own, flushed to disk by Finish. For large
+// files built record by record: no copy of the whole file is held in memory.
+class BufferedFile {
+ public:
+  explicit BufferedFile(const std::filesystem::path& path, std::size_t bufferBytes = 1 << 20);
+  ~BufferedFile();
+  BufferedFile(const BufferedFile&) = delete;
+  BufferedFile& operator=(const BufferedFile&) = delete;
+
+  // Room for n bytes (n no more than the buffer), to be filled and then committed.
+  char* Reserve(std::size_t n);
+  void Commit(std::size_t n) { used_ += n; }
+  // Writes what is left, flushes to disk and closes. False when anything failed.
+  bool Finish();
+
+ private:
+  bool Drain();
+  int fd_ = -1;
+  bool ok_ = true;
+  std::string buf_;
+  std::size_t used_ = 0;
+};
+
 // Opens for append (creating the file), appends, flushes the data to disk and closes.
 // When the write fails part-way the file is cut back to its old length, so a failed
 // record never leaves a torn line in the middle of a journal.

@@ -404,10 +404,21 @@ TEST_F(DocFileTest, RandomBytesNeverCrashTheLoader) {
     Document d;
     SetDocumentName(d, Name("junk"));
     WriteBytes(d.SpcPath, junk);
+    WriteBytes(d.SpPath, junk);
     LoadDocument(d, dialogs);
     EXPECT_LE(d.PointTable.size(), junk.size() / 24 + 1);
     EXPECT_LE(d.EntityTable.size(), junk.size() / 96 + 1);
     EXPECT_EQ(d.PointCount, static_cast<int32_t>(d.PointTable.size()));
+    // The same bytes as an older document and as a merge source.
+    Document old;
+    SetDocumentName(old, Name("junk"));
+    ASSERT_TRUE(ReadOldDocument(old, dialogs));
+    EXPECT_LE(old.PointTable.size(), junk.size() / 24 + 1);
+    EXPECT_LE(old.EntityTable.size() + old.BaseMapTable.size(), junk.size() / 108 + 1);
+    Document merged;
+    SetDocumentName(merged, Name("open"));
+    MergeDocumentRecords(merged, wf, d.SpcPath, dialogs);
+    EXPECT_LE(merged.PointTable.size(), junk.size() / 24 + 1);
   }
 }
 
