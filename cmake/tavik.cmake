@@ -24,3 +24,21 @@ function(tavik_test name)
                                              TAVIK_BIN_DIR="${PROJECT_BINARY_DIR}")
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${A_ENV}")
 endfunction()
+
+# tavik_automoc_follow(target sources...): with Ninja, the automatic moc step of CMake
+# 3.25 does not run again when a globbed folder gains a header (its dependency on the
+# source list is order-only), so a new Q_OBJECT class links without its moc code. When
+# the list differs from the one of the last configure, the step's stamp is removed so
+# that the next build runs it.
+function(tavik_automoc_follow target)
+  set(list_file ${CMAKE_CURRENT_BINARY_DIR}/${target}_sources.txt)
+  string(JOIN "\n" text ${ARGN})
+  set(old "")
+  if(EXISTS ${list_file})
+    file(READ ${list_file} old)
+  endif()
+  if(NOT old STREQUAL text)
+    file(WRITE ${list_file} "${text}")
+    file(REMOVE ${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/timestamp)
+  endif()
+endfunction()
