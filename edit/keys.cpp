@@ -1,0 +1,216 @@
+// The keys of the main window, the toolbar buttons by their key text, and the legend
+// hot keys. A toolbar button compares its key; a drawing button first checks that the
+// legend in force may be drawn as that geometry.
+#include <array>
+#include <cctype>
+
+#include "core/numbers.h"
+#include "edit/editor.h"
+#include "edit/modes.h"
+#include "view/legends.h"
+
+namespace tavik::edit {
+
+namespace {
+
+struct HotKey {
+  char letter;
+  int16_t code;
+  const char* name;
+};
+
+// R and U are not legends: they repaint and undelete.
+constexpr std::array<HotKey, 24> kHotKeys{{
+    {'A', 517, "獨立高程點"},      {'B', 515, "斷線"},        {'C', 602, "人孔"},
+    {'D', 114, "圖根點"},          {'E', 601, "電信桿"},      {'F', 612, "消防栓"},
+    {'G', 723, "地類界"},          {'H', 301, "建物/房屋"},   {'I', 802, "硬路面道路"},
+    {'J', 407, "圍牆"},            {'K', 846, "水泥坎/擋土牆"}, {'L', 863, "路燈"},
+    {'M', 510, "土坎"},            {'N', 847, "礨石坎"},      {'O', 605, "電力桿"},
+    {'P', 434, "水泥地"},          {'Q', 433, "柏油地"},      {'S', 814, "小徑"},
+    {'T', 304, "臨時屋"},          {'V', 131, "界樁"},        {'W', 705, "雜草地"},
+    {'X', 813, "碎石路 / 土路"},   {'Y', 709, "花圃 / 花園"}, {'Z', 715, "細草地"},
+}};
+
+bool IsZoomKey(const std::string& k) {
+  return k == "ZE" || k == "ZP" || k == "ZS" || k == "ZC" || k == "ZT" || k == "ZoomOut" || k == "ZoomIn";
+}
+bool IsToggleKey(const std::string& k) {
+  return k == "SwitchPtName" || k == "SwitchBM" || k == "DispGrid" || k == "SwitchEle" || k == "垂距開關" ||
+         k == "SwitchBreak" || k == "SwitchSN";
+}
+
+}  // namespace
+
+int16_t Editor::HotKeyLegend(char letter) {
+  const char up = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
+  for (const auto& h : kHotKeys)
+    if (h.letter == up) return h.code;
+  return 0;
+}
+
+std::string Editor::HotKeySummary() {
+  std::string s = "按鍵  圖例  名稱\r\n";
+  for (const auto& h : kHotKeys) {
+    s += std::string(1, h.letter) + "     " + std::to_string(h.code) + "   " + h.name + "\r\n";
+  }
+  s += "R     重繪圖面\r\nU     救回刪除的資料\r\n";
+  s += "Delete 刪除最後一點   F2 存檔   F3 測點註記\r\n";
+  s += "F4 兩點連線   F5 兩點畫圓   F6 三點畫圓   F7 三點畫弧   F8 三點矩形\r\n";
+  s += "F9 自動連線開啟   F10 自動連線關閉   F11 縮小   F12 放大\r\n";
+  s += "c 畫線中閉合   右鍵 結束畫線   空白鍵 觀測\r\n";
+  return s;
+}
+
+bool Editor::KeyDown(int key, bool shift) {
+  switch (key) {
+    case KeyDelete:
+      DeleteLastPoint();
+      return true;
+    case KeyF1:
+      if (shift) host.ShowManual();
+      return shift;
+    case KeyF2:
+      host.FrameCommand("快速存檔");
+      return true;
+    case KeyF3:
+      host.NoteAtSurveyedPoint();
+      return true;
+    case KeyF4:
+      Flag = MeasuredShape::Line;
+      return true;
+    case KeyF5:
+      Flag = MeasuredShape::Circle2;
+      return true;
+    case KeyF6:
+      Flag = MeasuredShape::Circle3;
+      return true;
+    case KeyF7:
+      Flag = MeasuredShape::Arc;
+      return true;
+    case KeyF8:
+      Flag = MeasuredShape::Rectangle;
+      return true;
+    case KeyF9:
+      AutoJoin = true;
+      host.ShowStatus("全自動  開啟中");
+      dialogs.MsgBox("注意：你已開啟自動連線功能,取消請按F10", "全自動  開啟中");
+      return true;
+    case KeyF10:
+      AutoJoin = false;
+      host.ShowStatus("全自動  已關閉");
+      dialogs.MsgBox("自動連線功能已關閉", "全自動  已關閉");
+      return true;
+    case KeyF11:
+      if (doc.IsOpen()) host.ViewCommand("ZoomOut");
+      return true;
+    case KeyF12:
+      if (doc.IsOpen()) host.ViewCommand("ZoomIn");
+      return true;
+    case KeySpace:
+      host.Measure();
+      return true;
+    default:
+      break;
+  }
+  if (key >= 'a' && key <= 'z') key = key - 'a' + 'A';
+  if (key == 'R') {
+    host.Redraw();
+    return true;
+  }
+  if (key == 'U') {
+    Undelete();
+    return true;
+  }
+  if (key >= 'A' && key <= 'Z') {
+    // During a chain the letter c closes it (KeyPress); no legend changes under a chain.
+    if (Ptr.LineInProgress) return false;
+    const int16_t code = HotKeyLegend(static_cast<char>(key));
+    if (code == 0) return false;
+    doc.CurrentLegend = code;
+    host.LegendChanged(code);
+    return true;
+  }
+  return false;
+}
+
+bool Editor::KeyPress(char c) {
+  if (c == 'c' && Ptr.LineInProgress) {
+    CloseChain();
+    return true;
+  }
+  if ((c == 'c' || c == 'C') && Ptr.ActionMode == mode::QAREA && !Area.AreaRing[0].empty()) {
+    QueryAreaEnd();
+    return true;
+  }
+  return false;
+}
+
+void Editor::Toolbar1Click(const std::string& key) {
+  if (IsZoomKey(key)) {
+    if (doc.IsOpen()) host.ViewCommand(key);
+    return;
+  }
+  if (key == "ZW") {
+    if (doc.IsOpen()) StartCommand(mode::ZoomW);
+    return;
+  }
+  if (IsToggleKey(key)) {
+    host.ViewCommand(key);
+    return;
+  }
+  if (key == "輸入角度") {
+    if (host.MeasureMode() == "GPS") {
+      if (!host.HasGpsFix()) {
+        dialogs.MsgBox("請先進入接收資料狀態", "沒有GPS訊號");
+        return;
+      }
+    } else if (!doc.StationSet) {
+      dialogs.MsgBox("請先擺站", "要有原始方向");
+      return;
+    }
+  }
+  host.FrameCommand(key);
+}
+
+void Editor::Toolbar2Click(const std::string& key) {
+  if (!doc.IsOpen()) return;
+  if (key == "Undelete") {
+    Undelete();
+    return;
+  }
+  if (key == mode::EraseP || key == mode::EraseEntity || key == mode::EraseWindow) {
+    StartCommand(key);
+    return;
+  }
+  if (!IsDrawingMode(key)) return;
+  using view::DrawCommand;
+  bool allowed = true;
+  if (key == mode::Line)
+    allowed = view::CheckCurrentLegend(DrawCommand::Line, doc, dialogs);
+  else if (key == mode::RECT)
+    allowed = view::CheckCurrentLegend(DrawCommand::Rect, doc, dialogs);
+  else if (key == mode::ARC)
+    allowed = view::CheckCurrentLegend(DrawCommand::Arc, doc, dialogs);
+  else if (key == mode::P2C)
+    allowed = view::CheckCurrentLegend(DrawCommand::Circle2, doc, dialogs);
+  else if (key == mode::P3C)
+    allowed = view::CheckCurrentLegend(DrawCommand::Circle3, doc, dialogs);
+  else if (key == mode::Label)
+    allowed = view::CheckCurrentLegend(DrawCommand::BlockNote, doc, dialogs);
+  else if (key == mode::Symbol)
+    allowed = view::CheckCurrentLegend(DrawCommand::SymbolNote, doc, dialogs);
+  if (allowed) StartCommand(key);
+}
+
+void Editor::StartCommand(const std::string& requested) {
+  std::string m = requested;
+  if (m == "Labl") m = mode::Label;
+  if (m == "Symb") m = mode::Symbol;
+  if (m == mode::PAN) m.clear();  // a plain drag pans
+  if (Ptr.LineInProgress) EndChain();
+  AreaRingReset(Area);
+  for (auto& b : Buffers) b = ShapeBuffer{};
+  SetMode(m, PromptOf(m));
+}
+
+}  // namespace tavik::edit
