@@ -145,8 +145,9 @@ class Editor {
   void MouseUpAt(int button, double E, double N);
   void ClickAt(int button, double E, double N);  // press and release at one place
 
-  // Keys of the main window: KeyDown with the key (a Qt-free code below), KeyPress with
-  // the character typed.
+  // Keys of the main window: KeyDown with the key code (letters and digits as their
+  // upper-case character, the others as below, the classic virtual-key values), KeyPress
+  // with the character typed.
   bool KeyDown(int key, bool shift);
   bool KeyPress(char c);
 

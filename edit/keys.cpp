@@ -112,7 +112,6 @@ bool Editor::KeyDown(int key, bool shift) {
     default:
       break;
   }
-  if (key >= 'a' && key <= 'z') key = key - 'a' + 'A';
   if (key == 'R') {
     host.Redraw();
     return true;

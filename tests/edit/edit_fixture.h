@@ -1,4 +1,5 @@
 // A document, a view at 1:100 (32.5 pixels to the metre) centred on (1000, 2000), a
+// screen of 1600 by 1200 pixels,
 // journal in a temporary folder, scripted dialogs, a recording surface and a host that
 // records what the editor asked of the window. Picks are made in world coordinates.
 #pragma once
@@ -80,7 +81,7 @@ class EditFixture : public ::testing::Test {
     doc.ViewCentreE = 1000;
     doc.ViewCentreN = 2000;
     doc.MapType = 1;
-    view::SetViewportSize(view, 800, 600);
+    view::SetViewportSize(view, 1600, 1200);  // 49 by 37 metres on the screen
     view::ComputeView(doc, view);
     host.doc = &doc;
     host.view = &view;

@@ -42,7 +42,7 @@ TEST_F(Editing, ErasePointAndEntityThenUndeleteNewestFirst) {
   EXPECT_EQ(doc.EntityTable[0].Deleted, kFalse);
   EXPECT_EQ(doc.PointTable[1].Deleted, kTrue);
   EXPECT_FALSE(JournalDeleted(work.Paths().TempS0(), 0));
-  ed.KeyDown('u', false);
+  ed.KeyDown('U', false);
   EXPECT_EQ(doc.PointTable[1].Deleted, kFalse);
   EXPECT_TRUE(Messages().empty());
   ed.KeyDown('U', false);

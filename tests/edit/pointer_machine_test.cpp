@@ -90,7 +90,7 @@ TEST_F(Machine, LegendHotKeysAndTheKeysOfTheWindow) {
   struct Case {
     int key;
     int16_t legend;
-  } cases[] = {{'A', 517}, {'b', 515}, {'H', 301}, {'K', 846}, {'Z', 715}, {'V', 131}};
+  } cases[] = {{'A', 517}, {'B', 515}, {'H', 301}, {'K', 846}, {'Z', 715}, {'V', 131}};
   for (const auto& c : cases) {
     EXPECT_TRUE(ed.KeyDown(c.key, false));
     EXPECT_EQ(doc.CurrentLegend, c.legend);
