@@ -77,6 +77,7 @@ bool Editor::AddNewPoint(double E, double N, double H) {
     doc.ViewCentreE = (minE + maxE) / 2;
     doc.ViewCentreN = (minN + maxN) / 2;
     host.ViewChanged();
+    Ptr.BandShown = false;
   }
   JournalWarning(AddPoint(doc, view, work, E, N, H));
   doc.MapChanged = kTrue;
@@ -227,7 +228,7 @@ void Editor::QueryAreaEnd() {
   const double area = AreaRingClose(Area, lE, lN);
   AreaRingReset(Area);
   SetMode("");
-  host.Redraw();
+  Repaint();
   if (!enough) return;
   FormatAreaLabel(surface, view, doc.ScaleDenominator, Area.AreaUnit, lE, lN, area, 0);
   dialogs.MsgBox("面積: " + AreaLabelText(area, Area.AreaUnit), "查詢面積");

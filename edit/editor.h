@@ -240,6 +240,9 @@ class Editor {
   void CloseChain();
   void SetMode(const std::string& mode, const std::string& prompt = "");
   void SetCursorForMode();
+  // A full repaint; the picture then carries no rubber band.
+  void Repaint();
+  void ViewKey(const std::string& key);
 
   // pick.cpp
   PickHit PickPoint(float x, float y, float side) const;

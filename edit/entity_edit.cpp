@@ -82,7 +82,7 @@ bool Editor::EraseP(double E, double N, float x, float y) {
     if (row < 0 || doc.PointTable[row].Deleted) continue;
     DeletePoint(doc, work, p.Number);
     Changed();
-    host.Redraw();
+    Repaint();
     return true;
   }
   return false;
@@ -93,7 +93,7 @@ bool Editor::EraseEntity(float x, float y) {
   if (row < 0) return false;
   DeleteEntity(doc, work, doc.EntityTable[row].Number);
   Changed();
-  host.Redraw();
+  Repaint();
   return true;
 }
 
@@ -132,14 +132,14 @@ int Editor::EraseWindowArea(double E1, double N1, double E2, double N2, bool ins
   }
   if (count > 0) RewritePoints();
   if (entities > 0) RewriteEntities();
-  if (count + entities > 0) host.Redraw();
+  if (count + entities > 0) Repaint();
   return count + entities;
 }
 
 bool Editor::Undelete() {
   if (!tavik::Undelete(doc, work, dialogs)) return false;
   Changed();
-  host.Redraw();
+  Repaint();
   return true;
 }
 
@@ -152,7 +152,7 @@ bool Editor::DeleteLastPoint() {
   if (a != ui::Answer::Yes) return false;
   DeletePoint(doc, work, doc.PointTable[row].Number);
   Changed();
-  host.Redraw();
+  Repaint();
   return true;
 }
 
@@ -242,7 +242,7 @@ void Editor::EditPick(const std::string& m, float x, float y, double E, double N
     for (auto& s : doc.ScreenEntityTable)
       if (s.Number == e.Number) s.Code = code;
     RewriteEntities();
-    host.Redraw();
+    Repaint();
     return;
   }
 
@@ -267,7 +267,7 @@ void Editor::EditPick(const std::string& m, float x, float y, double E, double N
       for (auto& s : doc.ScreenEntityTable)
         if (s.Number == e.Number) s.Name = name;
       RewriteEntities();
-      host.Redraw();
+      Repaint();
       break;
     }
     SetMode("");

@@ -41,6 +41,11 @@ bool IsToggleKey(const std::string& k) {
 
 }  // namespace
 
+void Editor::ViewKey(const std::string& key) {
+  host.ViewCommand(key);
+  Ptr.BandShown = false;  // the view repainted
+}
+
 int16_t Editor::HotKeyLegend(char letter) {
   const char up = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
   for (const auto& h : kHotKeys)
@@ -101,10 +106,10 @@ bool Editor::KeyDown(int key, bool shift) {
       dialogs.MsgBox("自動連線功能已關閉", "全自動  已關閉");
       return true;
     case KeyF11:
-      if (doc.IsOpen()) host.ViewCommand("ZoomOut");
+      if (doc.IsOpen()) ViewKey("ZoomOut");
       return true;
     case KeyF12:
-      if (doc.IsOpen()) host.ViewCommand("ZoomIn");
+      if (doc.IsOpen()) ViewKey("ZoomIn");
       return true;
     case KeySpace:
       host.Measure();
@@ -113,7 +118,7 @@ bool Editor::KeyDown(int key, bool shift) {
       break;
   }
   if (key == 'R') {
-    host.Redraw();
+    Repaint();
     return true;
   }
   if (key == 'U') {
@@ -146,7 +151,7 @@ bool Editor::KeyPress(char c) {
 
 void Editor::Toolbar1Click(const std::string& key) {
   if (IsZoomKey(key)) {
-    if (doc.IsOpen()) host.ViewCommand(key);
+    if (doc.IsOpen()) ViewKey(key);
     return;
   }
   if (key == "ZW") {
@@ -154,7 +159,7 @@ void Editor::Toolbar1Click(const std::string& key) {
     return;
   }
   if (IsToggleKey(key)) {
-    host.ViewCommand(key);
+    ViewKey(key);
     return;
   }
   if (key == "輸入角度") {

@@ -51,14 +51,7 @@ void Editor::SetMode(const std::string& mode, const std::string& prompt) {
   PickStep = 0;
   PendingRow = -1;
   host.SetPrompt(prompt);
-  if (mode.empty())
-    host.SetCursor(Cursor::Arrow);
-  else if (mode == mode::ZoomW || mode == mode::EraseWindow || mode == mode::BMEraseWindow)
-    host.SetCursor(Cursor::Window);
-  else if (IsDrawingMode(mode))
-    host.SetCursor(Cursor::Draw);
-  else
-    host.SetCursor(Cursor::Pick);
+  SetCursorForMode();
 }
 
 void Editor::Reset() {
@@ -186,6 +179,7 @@ void Editor::MouseUp(int button, int shift, float x, float y) {
     if (m == mode::ZoomW) {
       SetMode("");
       host.ZoomWindow(E1, N1, E, N);
+      Ptr.BandShown = false;
     } else if (m == mode::EraseWindow) {
       const ui::Answer a = dialogs.MsgBox(
           "刪除窗框內資料按'是' \r\n刪除窗框外資料,按'否'\r\n放棄動作,按'取消'", "刪除窗選資料",
@@ -224,6 +218,11 @@ void Editor::MouseUpAt(int button, double E, double N) {
 void Editor::ClickAt(int button, double E, double N) {
   MouseDownAt(button, E, N);
   MouseUpAt(button, E, N);
+}
+
+void Editor::Repaint() {
+  host.Redraw();
+  Ptr.BandShown = false;
 }
 
 void Editor::SetCursorForMode() {

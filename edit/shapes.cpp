@@ -274,7 +274,7 @@ void Editor::EndChain() {
       if (doc.ScreenEntityTable[i].Number == doc.EntityTable[r].Number) doc.ScreenEntityTable[i].Name = name;
   JournalWarning(work.WriteEntityWorkFile(doc));
   doc.MapChanged = kTrue;
-  host.Redraw();
+  Repaint();
 }
 
 // The letter c: one more line back to the first vertex, and the chain ends.
