@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string>
 
+#include "app/edit_wiring.h"
 #include "app/program.h"
 #include "core/app_paths.h"
 #include "core/instance_lock.h"
@@ -32,6 +33,7 @@ int main(int argc, char** argv) {
   if (!tavik::TakeSingleInstance(lock, paths.LockFile(), refusal)) return 1;
 
   Program program(paths);
+  EditWiring edit(program);
   // Maximised to the desktop's work area; set by hand too, for desktops without a
   // window manager to honour the request.
   if (QScreen* screen = QGuiApplication::primaryScreen()) program.frm.setGeometry(screen->availableGeometry());

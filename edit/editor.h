@@ -178,6 +178,7 @@ class Editor {
   // Entity editing.
   bool EraseP(double E, double N, float x, float y);
   bool EraseEntity(float x, float y);
+  bool EraseEntityRow(int32_t row);
   int EraseWindowArea(double E1, double N1, double E2, double N2, bool inside);
   bool Undelete();
   bool DeleteLastPoint();

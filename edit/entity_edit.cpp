@@ -88,9 +88,10 @@ bool Editor::EraseP(double E, double N, float x, float y) {
   return false;
 }
 
-bool Editor::EraseEntity(float x, float y) {
-  const int32_t row = PickEntityRow(x, y, 8, {}, false, nullptr);
-  if (row < 0) return false;
+bool Editor::EraseEntity(float x, float y) { return EraseEntityRow(PickEntityRow(x, y, 8, {}, false, nullptr)); }
+
+bool Editor::EraseEntityRow(int32_t row) {
+  if (row < 0 || row >= static_cast<int32_t>(doc.EntityTable.size()) || doc.EntityTable[row].Deleted) return false;
   DeleteEntity(doc, work, doc.EntityTable[row].Number);
   Changed();
   Repaint();

@@ -1,0 +1,311 @@
+#include "app/edit_wiring.h"
+
+#include <QAction>
+#include <QDialog>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPlainTextEdit>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+#include "core/tables.h"
+#include "edit/modes.h"
+#include "view/navigation.h"
+#include "view/render.h"
+#include "view/screen_tables.h"
+#include "view/transform.h"
+
+namespace {
+
+QString Q(const std::string& s) { return QString::fromStdString(s); }
+
+int ButtonValue(Qt::MouseButton b) {
+  switch (b) {
+    case Qt::LeftButton:
+      return tavik::edit::LeftButton;
+    case Qt::RightButton:
+      return tavik::edit::RightButton;
+    case Qt::MiddleButton:
+      return tavik::edit::MiddleButton;
+    default:
+      return 0;
+  }
+}
+
+int KeyCode(int qtKey) {
+  using tavik::edit::Editor;
+  if (qtKey >= Qt::Key_F1 && qtKey <= Qt::Key_F12) return Editor::KeyF1 + (qtKey - Qt::Key_F1);
+  if (qtKey == Qt::Key_Delete) return Editor::KeyDelete;
+  if (qtKey == Qt::Key_Space) return Editor::KeySpace;
+  if (qtKey >= Qt::Key_A && qtKey <= Qt::Key_Z) return 'A' + (qtKey - Qt::Key_A);
+  if (qtKey >= Qt::Key_0 && qtKey <= Qt::Key_9) return '0' + (qtKey - Qt::Key_0);
+  return 0;
+}
+
+}  // namespace
+
+// Status panels and labels of the map view.
+class EditWiring::Ui : public tavik::view::ViewUi {
+ public:
+  explicit Ui(MainFrm& frm) : frm_(frm) {}
+  void SetStatusPanel(int panel, const std::string& text) override { frm_.SetPanel(panel, text); }
+  void SetLabel(const std::string& name, const std::string& text) override {
+    if (name == "Label41") frm_.SetLabel41(text);
+    if (name == "Label42") frm_.SetLabel42(text);
+  }
+
+ private:
+  MainFrm& frm_;
+};
+
+// The window's half of the editor's host.
+class EditWiring::Host : public tavik::edit::MapHost {
+ public:
+  Host(tavik::view::MapCanvas& canvas, EditWiring& w) : MapHost(canvas), w_(w) {}
+
+  void SetPrompt(const std::string& p) override {
+    prompt_ = p;
+    Show();
+  }
+  void SetReadout(const std::string& e, const std::string& n) override {
+    readout_ = "E " + e + "  N " + n;
+    Show();
+  }
+  void ShowStatus(const std::string& s) override { w_.program_.frm.statusBar()->showMessage(Q(s), 8000); }
+  void SetCursor(tavik::edit::Cursor c) override {
+    using tavik::edit::Cursor;
+    Qt::CursorShape shape = Qt::ArrowCursor;
+    if (c == Cursor::Pan) shape = Qt::ClosedHandCursor;
+    if (c == Cursor::Window || c == Cursor::Draw) shape = Qt::CrossCursor;
+    if (c == Cursor::Pick) shape = Qt::PointingHandCursor;
+    w_.program_.frm.Paper1()->setCursor(shape);
+  }
+  void LegendChanged(int16_t code) override { ShowStatus("目前圖例 " + std::to_string(code)); }
+  void ShowInquiry(int32_t row, const std::string& text) override {
+    QMenu menu(w_.program_.frm.Paper1());
+    for (const QString& line : Q(text).split("\r\n")) menu.addAction(line)->setEnabled(false);
+    menu.addSeparator();
+    auto& ed = w_.Editor();
+    QObject::connect(menu.addAction("刪除此圖元"), &QAction::triggered, [&ed, row] { ed.EraseEntityRow(row); });
+    QObject::connect(menu.addAction("更改圖例"), &QAction::triggered,
+                     [&ed] { ed.StartCommand(tavik::edit::mode::ChangeAtt); });
+    QObject::connect(menu.addAction("點名更改"), &QAction::triggered,
+                     [&ed] { ed.StartCommand(tavik::edit::mode::PtRename); });
+    QObject::connect(menu.addAction("平移複製(OFFSET)"), &QAction::triggered, [&ed, row] { ed.StartOffset(row); });
+    menu.exec(QCursor::pos());
+  }
+  void FrameCommand(const std::string& key) override {
+    auto& cycle = w_.program_.cycle;
+    if (key == "開新圖")
+      cycle.New();
+    else if (key == "開啟舊圖")
+      cycle.Open();
+    else if (key == "快速存檔")
+      cycle.Save();
+  }
+  void ShowManual() override { w_.ShowHotKeys(); }
+
+ private:
+  void Show() {
+    w_.program_.frm.statusBar()->showMessage(Q(prompt_.empty() ? readout_ : prompt_ + "    " + readout_));
+  }
+  EditWiring& w_;
+  std::string prompt_, readout_;
+};
+
+EditWiring::EditWiring(Program& program)
+    : QObject(&program.frm),
+      program_(program),
+      ui_(std::make_unique<Ui>(program.frm)),
+      paper_(program.frm.Paper1()->Surface(), program.app.view) {
+  auto& app = program_.app;
+  canvas_ = std::make_unique<tavik::view::MapCanvas>(app.doc, app.view, display_, paper_, *ui_, program_.dialogs);
+  canvas_->RebuildScreenTables = [&app] {
+    tavik::RebuildScreenPoints(app.doc, app.view);
+    tavik::RebuildScreenEntities(app.doc, app.view);
+  };
+  canvas_->WriteRecoveryHeader = [&app] { app.work.WriteRecoveryHeader(app.doc); };
+  host_ = std::make_unique<Host>(*canvas_, *this);
+  editor_ = std::make_unique<tavik::edit::Editor>(app.doc, app.view, app.work, program_.dialogs, paper_, *host_);
+
+  auto& cycle = program_.cycle;
+  cycle.hooks.ResetPointer = [this] { editor_->Reset(); };
+  if (!cycle.hooks.RebuildScreenTables)
+    cycle.hooks.RebuildScreenTables = [](tavik::Document& doc, tavik::View& view) {
+      tavik::RebuildScreenPoints(doc, view);
+      tavik::RebuildScreenEntities(doc, view);
+    };
+  program_.frm.handlers.Redraw = [this](tavik::ui::Surface&) {
+    canvas_->ResetClip();
+    tavik::view::RedrawAll(*canvas_);
+  };
+  program_.frm.Paper1()->OnResized = [this] { Resized(); };
+  program_.frm.Paper1()->installEventFilter(this);
+  program_.frm.installEventFilter(this);
+  BuildToolbars();
+  BuildMenus();
+}
+
+EditWiring::~EditWiring() = default;
+
+void EditWiring::Resized() {
+  auto& app = program_.app;
+  if (!app.doc.IsOpen()) {
+    program_.frm.ClearPaper();
+    return;
+  }
+  const auto& s = program_.frm.Paper1()->Surface();
+  tavik::view::SetViewportSize(app.view, s.Width(), s.Height());
+  tavik::view::AfterViewChange(*canvas_);
+  program_.frm.Paper1()->update();
+}
+
+void EditWiring::BuildToolbars() {
+  struct B {
+    const char* key;
+    const char* caption;
+  };
+  static const B t1[] = {{"開新圖", "開新圖"},
+                         {"開啟舊圖", "開啟舊圖"},
+                         {"快速存檔", "快速存檔"},
+                         {"連接COM1", "連接COM1"},
+                         {"接收資料", "接收資料"},
+                         {"停止接收", "停止接收"},
+                         {"輸入座標", "輸入座標"},
+                         {"輸入角度", "輸入角度"},
+                         {"手動引點", "手動引點"},
+                         {"ZE", "全圖"},
+                         {"ZP", "前幕"},
+                         {"ZW", "窗選"},
+                         {"ZS", "比例"},
+                         {"ZC", "測站"},
+                         {"ZT", "末點"},
+                         {"ZoomOut", "縮小"},
+                         {"ZoomIn", "放大"},
+                         {"SwitchPtName", "點名"},
+                         {"SwitchBM", "底圖"},
+                         {"DispGrid", "方格"},
+                         {"SwitchEle", "高程"},
+                         {"垂距開關", "垂距"},
+                         {"SwitchBreak", "斷線"},
+                         {"SwitchSN", "流水號"}};
+  static const B t2[] = {{"Line", "畫線"},          {"RECT", "矩形"},           {"P2C", "兩點圓"},
+                         {"P3C", "三點圓"},         {"ARC", "三點弧"},          {"Text", "文字註記"},
+                         {"Symbol", "實物註記"},    {"Label", "區塊註記"},      {"EraseP", "刪點"},
+                         {"EraseEntity", "刪圖元"}, {"EraseWindow", "窗選刪除"}, {"Undelete", "救回"}};
+  toolbar1_ = program_.frm.addToolBar("Toolbar1");
+  toolbar1_->setObjectName("Toolbar1");
+  for (const B& b : t1) {
+    QAction* a = toolbar1_->addAction(QString::fromUtf8(b.caption));
+    a->setObjectName(QString::fromUtf8(b.key));
+    a->setToolTip(QString::fromUtf8(b.key));
+    const std::string key = b.key;
+    connect(a, &QAction::triggered, this, [this, key] {
+      editor_->Toolbar1Click(key);
+      program_.frm.Paper1()->update();
+    });
+  }
+  program_.frm.addToolBarBreak();
+  toolbar2_ = program_.frm.addToolBar("Toolbar2");
+  toolbar2_->setObjectName("Toolbar2");
+  for (const B& b : t2) {
+    QAction* a = toolbar2_->addAction(QString::fromUtf8(b.caption));
+    a->setObjectName(QString::fromUtf8(b.key));
+    const std::string key = b.key;
+    connect(a, &QAction::triggered, this, [this, key] {
+      editor_->Toolbar2Click(key);
+      program_.frm.Paper1()->update();
+    });
+  }
+}
+
+void EditWiring::BuildMenus() {
+  QMenu* edit = program_.frm.Menu("MainMnuEdit");
+  if (edit) {
+    struct M {
+      const char* name;
+      const char* caption;
+      const char* mode;
+    };
+    static const M items[] = {{"MainMnu_MidOf", "線段中點", "NP_MidOf"},
+                              {"MainMnu_Devide", "均分線段", "NP_DevideTo"},
+                              {"MainMnu_PerOf", "垂足點", "NP_PerOf"},
+                              {"MainMnu_IntOf", "兩線交點", "NP_IntOf"},
+                              {"MainMnu_Extend", "延伸交點", "NP_Extend"},
+                              {"MainMnuPointProject", "投影到線上", "PointProject"},
+                              {"MainMnuQDis", "查詢距離方位", "QDIS"},
+                              {"MainMnuQArea", "查詢面積", "QAREA"}};
+    edit->addSeparator();
+    for (const M& m : items) {
+      QAction* a = edit->addAction(QString::fromUtf8(m.caption));
+      a->setObjectName(m.name);
+      const std::string mode = m.mode;
+      connect(a, &QAction::triggered, this, [this, mode] { editor_->StartCommand(mode); });
+    }
+    QAction* u = edit->addAction("救回刪除的資料(U)");
+    u->setObjectName("MainMnuUndelete");
+    connect(u, &QAction::triggered, this, [this] { editor_->Undelete(); });
+  }
+  QMenu* view = program_.frm.Menu("MainMnuView");
+  if (view) {
+    QAction* a = view->addAction("快捷鍵速覽");
+    a->setObjectName("MainMnuHotKeys");
+    connect(a, &QAction::triggered, this, [this] { ShowHotKeys(); });
+  }
+}
+
+void EditWiring::ShowHotKeys() {
+  auto* dlg = new QDialog(&program_.frm);
+  dlg->setObjectName("HotKeys");
+  dlg->setWindowTitle("快捷鍵速覽");
+  dlg->setAttribute(Qt::WA_DeleteOnClose);
+  auto* layout = new QVBoxLayout(dlg);
+  auto* text = new QPlainTextEdit(dlg);
+  text->setReadOnly(true);
+  text->setPlainText(Q(tavik::edit::Editor::HotKeySummary()).replace("\r\n", "\n"));
+  layout->addWidget(text);
+  dlg->resize(520, 560);
+  dlg->show();
+}
+
+bool EditWiring::eventFilter(QObject* watched, QEvent* event) {
+  auto& frm = program_.frm;
+  PaperWidget* paper = frm.Paper1();
+  if (watched == paper) {
+    switch (event->type()) {
+      case QEvent::MouseButtonPress:
+      case QEvent::MouseMove:
+      case QEvent::MouseButtonRelease: {
+        if (!program_.app.doc.IsOpen()) return false;
+        auto* me = static_cast<QMouseEvent*>(event);
+        const float x = static_cast<float>(me->position().x()) + paper_.Dx();
+        const float y = static_cast<float>(me->position().y()) + paper_.Dy();
+        const int shift = me->modifiers().testFlag(Qt::ShiftModifier) ? 1 : 0;
+        if (event->type() == QEvent::MouseButtonPress)
+          editor_->MouseDown(ButtonValue(me->button()), shift, x, y);
+        else if (event->type() == QEvent::MouseButtonRelease)
+          editor_->MouseUp(ButtonValue(me->button()), shift, x, y);
+        else
+          editor_->MouseMove(ButtonValue(me->button()), shift, x, y);
+        paper->update();
+        return true;
+      }
+      default:
+        break;
+    }
+  }
+  if ((watched == paper || watched == &frm) && event->type() == QEvent::KeyPress) {
+    auto* ke = static_cast<QKeyEvent*>(event);
+    if (ke->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) return false;
+    if (!program_.app.doc.IsOpen()) return false;
+    const int key = KeyCode(ke->key());
+    bool taken = key != 0 && editor_->KeyDown(key, ke->modifiers().testFlag(Qt::ShiftModifier));
+    const QString text = ke->text();
+    if (text.size() == 1 && text[0].unicode() < 128) taken = editor_->KeyPress(static_cast<char>(text[0].unicode())) || taken;
+    paper->update();
+    return taken;
+  }
+  return false;
+}

@@ -1,0 +1,90 @@
+// The pen on the real window, offscreen: a rectangle drawn with the mouse, deleted,
+// undeleted, saved and read back.
+#include <QAction>
+#include <QToolBar>
+#include <QtTest>
+#include <filesystem>
+
+#include "app/edit_wiring.h"
+#include "app/program.h"
+#include "core/tables.h"
+#include "core/temp_home.h"
+#include "platform/scripted/scripted.h"
+
+class EditWindowTest : public QObject {
+  Q_OBJECT
+
+  static int LiveLines(const tavik::Document& doc) {
+    int n = 0;
+    for (const auto& e : doc.EntityTable) n += !e.Deleted && e.Kind == tavik::KindLine;
+    return n;
+  }
+  // The widget position of a world point.
+  static QPoint At(Program& p, EditWiring& w, double E, double N) {
+    float x, y;
+    tavik::WorldToPaper(p.app.view, p.app.doc.ScaleDenominator, E, N, x, y);
+    (void)w;
+    return QPoint(qRound(x - 1.5f * p.app.view.ViewWidthPixels), qRound(y - 1.5f * p.app.view.ViewHeightPixels));
+  }
+
+ private slots:
+  void rectangleDrawnDeletedUndeletedSavedAndReopened() {
+    tavik::testing::TempHome home;
+    tavik::ui::ScriptedDialogs dialogs;
+    Program p(tavik::AppPaths{home.path}, &dialogs);
+    EditWiring w(p);
+    p.app.paths.EnsureFolders();
+    p.frm.resize(1000, 700);
+    p.frm.show();
+    p.Start();
+    const std::string name = (p.app.paths.WorkFolder() / "乙地").string();
+    dialogs.files = {name + ".SPC"};
+    p.frm.Command("MainMnuNew")->trigger();
+    QVERIFY(p.app.doc.IsOpen());
+
+    // Three surveyed points near the centre of the view.
+    const double cE = p.app.doc.ViewCentreE, cN = p.app.doc.ViewCentreN;
+    const double pts[3][2] = {{cE - 4, cN - 3}, {cE + 4, cN - 3}, {cE + 4, cN + 3}};
+    for (const auto& q : pts) QVERIFY(tavik::AddPoint(p.app.doc, p.app.view, p.app.work, q[0], q[1], 10));
+    p.frm.RedrawPaper();
+    PaperWidget* paper = p.frm.Paper1();
+
+    p.app.doc.CurrentLegend = 407;
+    QAction* rect = w.Toolbar2()->findChild<QAction*>("RECT");
+    QVERIFY(rect);
+    rect->trigger();
+    for (const auto& q : pts) QTest::mouseClick(paper, Qt::LeftButton, Qt::NoModifier, At(p, w, q[0], q[1]));
+    QCOMPARE(LiveLines(p.app.doc), 4);
+    QVERIFY(dialogs.Messages().empty());
+
+    // Delete the bottom edge, then bring it back with U.
+    w.Toolbar2()->findChild<QAction*>("EraseEntity")->trigger();
+    QTest::mouseClick(paper, Qt::LeftButton, Qt::NoModifier, At(p, w, cE, cN - 3));
+    QCOMPARE(LiveLines(p.app.doc), 3);
+    QTest::keyClick(paper, Qt::Key_U);
+    QCOMPARE(LiveLines(p.app.doc), 4);
+
+    // The picture shows the wall in its colour where the bottom edge runs.
+    p.frm.RedrawPaper();
+    const QImage img = paper->Surface().Image();
+    const QPoint mid = At(p, w, cE, cN - 3);
+    bool inked = false;
+    for (int dy = -2; dy <= 2; ++dy) inked |= img.pixelColor(mid.x(), mid.y() + dy) != QColor(Qt::white);
+    QVERIFY(inked);
+    if (qEnvironmentVariableIsSet("TAVIK_SCREENSHOT")) img.save(qEnvironmentVariable("TAVIK_SCREENSHOT"));
+
+    p.frm.Command("MainMnuSave")->trigger();
+    QVERIFY(std::filesystem::exists(name + ".SPC"));
+    QVERIFY(p.cycle.Close());
+    QVERIFY(!p.app.doc.IsOpen());
+    p.cycle.OpenFile(name + ".SPC");
+    QVERIFY(p.app.doc.IsOpen());
+    QCOMPARE(LiveLines(p.app.doc), 4);
+    QCOMPARE(p.app.doc.EntityTable[0].Code, int16_t(407));
+    QCOMPARE(p.app.doc.PointCount, 3);
+    QVERIFY(p.app.doc.UndeleteStack.empty());
+  }
+};
+
+QTEST_MAIN(EditWindowTest)
+#include "edit_window_test.moc"
