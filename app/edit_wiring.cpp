@@ -132,16 +132,10 @@ EditWiring::EditWiring(Program& program)
 
   auto& cycle = program_.cycle;
   cycle.hooks.ResetPointer = [this] { editor_->Reset(); };
-  if (!cycle.hooks.RebuildScreenTables)
-    cycle.hooks.RebuildScreenTables = [](tavik::Document& doc, tavik::View& view) {
-      tavik::RebuildScreenPoints(doc, view);
-      tavik::RebuildScreenEntities(doc, view);
-    };
   program_.frm.handlers.Redraw = [this](tavik::ui::Surface&) {
     canvas_->ResetClip();
     tavik::view::RedrawAll(*canvas_);
   };
-  program_.frm.Paper1()->OnResized = [this] { Resized(); };
   program_.frm.Paper1()->installEventFilter(this);
   program_.frm.installEventFilter(this);
   BuildToolbars();
@@ -149,18 +143,6 @@ EditWiring::EditWiring(Program& program)
 }
 
 EditWiring::~EditWiring() = default;
-
-void EditWiring::Resized() {
-  auto& app = program_.app;
-  if (!app.doc.IsOpen()) {
-    program_.frm.ClearPaper();
-    return;
-  }
-  const auto& s = program_.frm.Paper1()->Surface();
-  tavik::view::SetViewportSize(app.view, s.Width(), s.Height());
-  tavik::view::AfterViewChange(*canvas_);
-  program_.frm.Paper1()->update();
-}
 
 void EditWiring::BuildToolbars() {
   struct B {

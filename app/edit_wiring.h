@@ -72,7 +72,6 @@ class EditWiring : public QObject {
   class Ui;
   void BuildToolbars();
   void BuildMenus();
-  void Resized();
 
   Program& program_;
   tavik::view::Display display_;

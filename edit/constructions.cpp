@@ -98,6 +98,7 @@ void Editor::ConstructionPick(const std::string& m, float x, float y, double E, 
                             nE, nN, nH)) {
       return;
     }
+    SetMode("");
     AddNewPoint(nE, nN, nH);
     return;
   }
@@ -105,6 +106,7 @@ void Editor::ConstructionPick(const std::string& m, float x, float y, double E, 
   if (m == mode::NP_DevideTo) {
     const PickedLine l = PickLine(x, y, 8, {KindLine});
     if (!l.Found) return;
+    SetMode("");
     auto answer = dialogs.InputBox("要分成幾段?", "均分一條線(最多分成10段)");
     if (!answer || answer->empty()) return;
     int n = static_cast<int>(num::Fix(num::ParseLenient(*answer)));
@@ -134,8 +136,7 @@ void Editor::ConstructionPick(const std::string& m, float x, float y, double E, 
     double E1 = l.X[0], N1 = l.Y[0], E2 = l.X[1], N2 = l.Y[1];
     Foot foot;
     FootOnSegment3(FirstPick.E, FirstPick.N, E1, N1, l.Z[0], E2, N2, l.Z[1], doc.MapType, foot);
-    PickStep = 0;
-    host.SetPrompt("請選一個點");
+    SetMode("");
     AddNewPoint(foot.FootE, foot.FootN, foot.FootH);
     return;
   }
@@ -147,6 +148,7 @@ void Editor::ConstructionPick(const std::string& m, float x, float y, double E, 
     double E1 = l.X[0], N1 = l.Y[0], E2 = l.X[1], N2 = l.Y[1];
     Foot foot;
     FootOnSegment3(E, N, E1, N1, l.Z[0], E2, N2, l.Z[1], doc.MapType, foot);
+    SetMode("");
     AddNewPoint(foot.FootE, foot.FootN, foot.FootH);
     return;
   }
@@ -157,6 +159,7 @@ void Editor::ConstructionPick(const std::string& m, float x, float y, double E, 
     if (!a.Found) return;
     const PickedLine b = PickLine(x, y, 12, {KindLine}, &a);
     if (!b.Found) return;
+    SetMode("");
     double X1 = a.X[0], iE = 0, iN = 0;
     bool ok = false;
     IntersectLines(X1, a.Y[0], a.X[1], a.Y[1], b.X[0], b.Y[0], b.X[1], b.Y[1], iE, iN, ok);
@@ -180,11 +183,11 @@ void Editor::ConstructionPick(const std::string& m, float x, float y, double E, 
     if (!t.Found) return;
     if (t.OnBaseMap == FirstLine.OnBaseMap && t.Row == FirstLine.Row) return;
     host.SetPrompt("找到被投射線");
-    const PickedLine& a = FirstLine;
+    const PickedLine a = FirstLine;
+    SetMode("");
     double X1 = a.X[0], iE = 0, iN = 0;
     bool ok = false;
     IntersectLines(X1, a.Y[0], a.X[1], a.Y[1], t.X[0], t.Y[0], t.X[1], t.Y[1], iE, iN, ok);
-    PickStep = 0;
     if (!ok) return;
     // The extension runs from the nearer end of the extended line to the crossing.
     const double d0 = std::hypot(iE - a.X[0], iN - a.Y[0]);
@@ -196,7 +199,6 @@ void Editor::ConstructionPick(const std::string& m, float x, float y, double E, 
     if (!AddNewPoint(iE, iN, foot.FootH)) return;
     if (!a.OnBaseMap && (iE != a.X[end] || iN != a.Y[end]))
       NewEntity(a.Code, KindLine, a.X[end], a.Y[end], a.Z[end], iE, iN, foot.FootH, 0, 0, 0, "");
-    host.SetPrompt("先選延伸線,再選被投射線");
     return;
   }
 }

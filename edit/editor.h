@@ -75,7 +75,6 @@ class EditHost {
   // Commands that belong to the frame and the instruments.
   virtual void FrameCommand(const std::string& /*key*/) {}  // 開新圖, 開啟舊圖, 快速存檔, Save (F2), ...
   virtual void Measure() {}                                 // Space, 接收資料
-  virtual void NoteAtSurveyedPoint() {}                      // F3
   virtual void ShowManual() {}                               // Shift+F1
   virtual bool HasGpsFix() const { return false; }
   virtual std::string MeasureMode() const { return "TS"; }

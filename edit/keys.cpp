@@ -1,6 +1,7 @@
 // The keys of the main window, the toolbar buttons by their key text, and the legend
 // hot keys. A toolbar button compares its key; a drawing button first checks that the
 // legend in force may be drawn as that geometry.
+#include <algorithm>
 #include <array>
 #include <cctype>
 
@@ -77,9 +78,13 @@ bool Editor::KeyDown(int key, bool shift) {
     case KeyF2:
       host.FrameCommand("快速存檔");
       return true;
-    case KeyF3:
-      host.NoteAtSurveyedPoint();
+    case KeyF3: {
+      // A note at the last surveyed point.
+      int32_t row = std::min<int32_t>(doc.PointCount, static_cast<int32_t>(doc.PointTable.size())) - 1;
+      while (row >= 0 && doc.PointTable[row].Deleted) --row;
+      if (row >= 0) TextNote(doc.PointTable[row].E, doc.PointTable[row].N);
       return true;
+    }
     case KeyF4:
       Flag = MeasuredShape::Line;
       return true;

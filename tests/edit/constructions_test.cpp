@@ -36,12 +36,15 @@ TEST_F(Constructions, MidpointOfALineAnArcAndABaseMapLine) {
       {"arc: the middle of the sweep, the height of the end that has one", 1025, 2005, 1025, 2005, 10},
       {"base-map line: a survey point, height as it was", 1045, 2000, 1045, 2000, 10},
   };
-  ed.StartCommand(mode::NP_MidOf);
-  EXPECT_EQ(host.prompts.back(), "請點選一條線");
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
+    ed.StartCommand(mode::NP_MidOf);
+    EXPECT_EQ(host.prompts.back(), "請點選一條線");
     const auto before = doc.PointCount;
+    Click(c.clickE + 3, c.clickN + 3);  // beside the line: nothing, the command waits
+    EXPECT_EQ(doc.PointCount, before);
     Click(c.clickE, c.clickN);
+    EXPECT_EQ(ed.Ptr.ActionMode, "");
     ASSERT_EQ(doc.PointCount, before + 1);
     const Point& p = doc.PointTable.back();
     EXPECT_NEAR(p.E, c.E, 1e-3);
@@ -58,9 +61,9 @@ TEST_F(Constructions, DivisionOfALine) {
     std::optional<std::string> answer;
     int points;
   } cases[] = {{std::nullopt, 0}, {"", 0}, {"1", 0}, {"abc", 0}, {"4", 3}, {"11", 9}};
-  ed.StartCommand(mode::NP_DevideTo);
   for (const auto& c : cases) {
     SCOPED_TRACE(c.answer.value_or("(cancel)"));
+    ed.StartCommand(mode::NP_DevideTo);
     doc.PointTable.clear(), doc.PointCount = 0;
     dialogs.inputs = {c.answer};
     Click(1003, 2000);
