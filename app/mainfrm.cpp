@@ -1,6 +1,8 @@
 #include "app/mainfrm.h"
 
 #include <QCloseEvent>
+#include <QComboBox>
+#include <QToolBar>
 #include <QFrame>
 #include <QLabel>
 #include <QMenu>
@@ -35,6 +37,7 @@ MainFrm::MainFrm(QWidget* parent) : QMainWindow(parent) {
   BuildMenus();
   BuildInstrumentFrame();
   BuildStatusBar();
+  BuildFineMoveToolbar();
   EnableDocumentCommands(false);
   EnableBaseMapCommands(false);
   SetRecentItems({});
@@ -135,6 +138,29 @@ void MainFrm::BuildStatusBar() {
     statusBar()->addWidget(l, k == 10 ? 1 : 0);
     panels_[k] = l;
   }
+}
+
+void MainFrm::BuildFineMoveToolbar() {
+  QToolBar* bar = addToolBar("微調");
+  bar->setObjectName("FineMoveToolbar");
+  combo1_ = new QComboBox(bar);
+  combo1_->setObjectName("Combo1");
+  combo1_->addItems({"1cm", "5cm", "10cm", "20cm", "25cm", "50cm", "1m", "2m", "3m", "4m", "5m"});
+  combo1_->setToolTip("微調平移量");
+  combo2_ = new QComboBox(bar);
+  combo2_->setObjectName("Combo2");
+  combo2_->addItems({"1秒", "30秒", "1分", "10分", "15分", "30分", "1度", "2度", "3度", "5度", "10度", "15度"});
+  combo2_->setToolTip("微調旋轉量");
+  bar->addWidget(new QLabel(" 平移 ", bar));
+  bar->addWidget(combo1_);
+  bar->addWidget(new QLabel(" 旋轉 ", bar));
+  bar->addWidget(combo2_);
+}
+
+void MainFrm::SelectFineSteps(const std::string& shift, const std::string& rotation) {
+  // A text not in the list (a damaged or older settings file) leaves the first step.
+  combo1_->setCurrentIndex(std::max(0, combo1_->findText(Q(shift))));
+  combo2_->setCurrentIndex(std::max(0, combo2_->findText(Q(rotation))));
 }
 
 void MainFrm::SetCaption(const std::string& caption) { setWindowTitle(Q(caption)); }

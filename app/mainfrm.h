@@ -16,6 +16,7 @@
 #include "view/view_ui.h"
 
 class QAction;
+class QComboBox;
 class QLabel;
 class QMenu;
 class QFrame;
@@ -46,6 +47,12 @@ class MainFrm : public QMainWindow, public tavik::FrameWindow, public tavik::vie
   void SetStatusPanel(int panel, const std::string& text) override { SetPanel(panel, text); }
   void SetLabel(const std::string& name, const std::string& text) override;
 
+  // Combo1 and Combo2 of the fine-move toolbar: the shift and rotation steps that the
+  // whole-map transforms use, remembered in Software.ini by their text.
+  QComboBox* Combo1() const { return combo1_; }
+  QComboBox* Combo2() const { return combo2_; }
+  void SelectFineSteps(const std::string& shift, const std::string& rotation);
+
   PaperWidget* Paper1() const { return paper_; }
   // A menu or command by its control name ("MainMnuEdit", "MainMnuSave", "mnuFileItem(2)").
   QMenu* Menu(const std::string& name) const;
@@ -72,8 +79,11 @@ class MainFrm : public QMainWindow, public tavik::FrameWindow, public tavik::vie
   void BuildMenus();
   void BuildInstrumentFrame();
   void BuildStatusBar();
+  void BuildFineMoveToolbar();
 
   PaperWidget* paper_ = nullptr;
+  QComboBox* combo1_ = nullptr;
+  QComboBox* combo2_ = nullptr;
   QFrame* instFrame_ = nullptr;
   std::map<std::string, QMenu*> menus_;
   std::map<std::string, QAction*> commands_;

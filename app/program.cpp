@@ -1,6 +1,7 @@
 #include "app/program.h"
 
 #include <QApplication>
+#include <QComboBox>
 
 #include "app/gpsinitdlg.h"
 #include "view/document_view.h"
@@ -20,6 +21,10 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
   cycle.hooks.RebuildScreenTables = [](tavik::Document& doc, tavik::View& view) {
     tavik::RebuildScreenPoints(doc, view);
     tavik::RebuildScreenEntities(doc, view);
+  };
+  cycle.hooks.CollectSettings = [this](tavik::SoftwareIni& ini) {
+    ini.FineShiftStep = frm.Combo1()->currentText().toStdString();
+    ini.FineRotationStep = frm.Combo2()->currentText().toStdString();
   };
   cycle.hooks.CommandRunning = [] { return QApplication::activeModalWidget() != nullptr; };
   cycle.hooks.LoadOldDocument = [](tavik::Document& doc, tavik::View& view, tavik::ui::Dialogs& d) {
@@ -53,6 +58,7 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
 
 void Program::Start() {
   cycle.Startup();
+  frm.SelectFineSteps(app.ini.FineShiftStep, app.ini.FineRotationStep);
   // The stored pair: only TWD97 loads its own constants (see LoadStoredDatum).
   tavik::LoadStoredDatum(gpsDatum, app.ini.GpsDatum, app.ini.CentralMeridian);
 }
