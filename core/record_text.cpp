@@ -1,5 +1,7 @@
 #include "core/record_text.h"
 
+#include <limits>
+
 #include "core/numbers.h"
 
 namespace tavik::rec {
@@ -37,6 +39,16 @@ LineWriter& LineWriter::Bool(bool v) {
   return *this;
 }
 
+namespace {
+std::optional<double> NonFinite(std::string_view raw) {
+  bool minus = !raw.empty() && raw[0] == '-';
+  if (minus) raw.remove_prefix(1);
+  if (raw == "nan") return minus ? -std::numeric_limits<double>::quiet_NaN() : std::numeric_limits<double>::quiet_NaN();
+  if (raw == "inf") return minus ? -std::numeric_limits<double>::infinity() : std::numeric_limits<double>::infinity();
+  return std::nullopt;
+}
+}  // namespace
+
 std::optional<std::vector<Field>> ParseLine(std::string_view line) {
   std::vector<Field> out;
   std::size_t i = 0;
@@ -60,6 +72,9 @@ std::optional<std::vector<Field>> ParseLine(std::string_view line) {
         f.boolean = raw == "#TRUE#";
       } else {
         auto v = num::ParseStrict(raw);
+        // Number() writes a value that is not finite as "nan" or "inf"; read it back, so
+        // that one such value does not make its whole line unreadable.
+        if (!v) v = NonFinite(raw);
         if (!v) return std::nullopt;
         f.type = Field::Number;
         f.number = *v;
