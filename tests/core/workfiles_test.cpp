@@ -262,3 +262,19 @@ TEST_F(JournalTest, ClearTablesEmptiesTheDocument) {
   EXPECT_EQ(doc.ReferencePointCount, 0);
   EXPECT_TRUE(doc.SplitBoundaryEdges[0].empty());
 }
+
+TEST_F(JournalTest, ANonFiniteCoordinateDoesNotEndTheRecovery) {
+  // A computation gone wrong upstream must not cost the records measured after it.
+  AddPoint(doc, view, wf, 1, 2, 3);
+  AddPoint(doc, view, wf, std::nan(""), 2, 3);
+  AddPoint(doc, view, wf, 4, -HUGE_VAL, 6);
+  AddPoint(doc, view, wf, 7, 8, 9);
+  wf.WriteRecoveryHeader(doc);
+  Document r;
+  ASSERT_TRUE(RecoverFromWorkFiles(r, wf, dialogs));
+  ASSERT_EQ(r.PointCount, 4);
+  EXPECT_TRUE(std::isnan(r.PointTable[1].E));
+  EXPECT_EQ(r.PointTable[2].N, -HUGE_VAL);
+  EXPECT_EQ(r.PointTable[3].H, 9);
+  EXPECT_TRUE(dialogs.shown.empty());
+}
