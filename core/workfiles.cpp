@@ -32,6 +32,17 @@ void WorkFiles::RemoveAll() {
   pointBehind_ = entityBehind_ = false;
 }
 
+namespace {
+// A name read from a damaged document may hold line breaks or other control bytes; in
+// the journal they would split the record and end the recovery there.
+std::string OneLine(const std::string& s) {
+  std::string out = s;
+  for (char& c : out)
+    if (static_cast<unsigned char>(c) < 0x20) c = ' ';
+  return out;
+}
+}  // namespace
+
 std::string PointWorkLine(const Point& p) {
   rec::LineWriter w;
   w.Integer(p.Number).Number(p.E).Number(p.N).Number(p.H).Bool(p.Deleted != 0);
@@ -42,7 +53,7 @@ std::string EntityWorkLine(const Entity& e) {
   rec::LineWriter w;
   w.Integer(e.Number).Integer(e.Code).Integer(e.Kind);
   for (int v = 0; v < 3; ++v) w.Number(e.X[v]).Number(e.Y[v]).Number(e.Z[v]);
-  w.Text(e.Name).Bool(e.Deleted != 0);
+  w.Text(OneLine(e.Name)).Bool(e.Deleted != 0);
   return w.Fields();
 }
 
@@ -50,7 +61,7 @@ std::string BaseMapWorkLine(const BaseMapLine& b) {
   rec::LineWriter w;
   w.Integer(b.Number).Integer(b.Code).Integer(b.Kind);
   for (int v = 0; v < 3; ++v) w.Number(b.X[v]).Number(b.Y[v]);
-  w.Text(b.Name);
+  w.Text(OneLine(b.Name));
   return w.Fields();
 }
 

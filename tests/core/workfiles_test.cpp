@@ -59,6 +59,9 @@ TEST_F(JournalTest, LinesHaveTheDocumentedForm) {
   BaseMapLine b;
   b.Number = 1, b.Code = 5, b.Kind = 21, b.X[0] = 1, b.Y[0] = 2, b.Z[0] = 99, b.X[1] = 3, b.Y[1] = 4;
   EXPECT_EQ(BaseMapWorkLine(b), "1,5,21,1,2,3,4,0,0,\"\"");
+  Entity broken;
+  broken.Name = "a\nb\rc";
+  EXPECT_EQ(EntityWorkLine(broken), "0,0,0,0,0,0,0,0,0,0,0,0,\"a b c\",#FALSE#");
 }
 
 TEST_F(JournalTest, AddingFillsTablesScreenCopiesAndExtent) {
@@ -246,21 +249,6 @@ TEST_F(JournalTest, FailedAppendKeepsThePointAndTheNextAdditionCatchesUp) {
   EXPECT_TRUE(AddPoint(doc, view, wf, 4, 5, 6));
   EXPECT_FALSE(wf.PointJournalBehind());
   EXPECT_EQ(ReadBytes(paths.TempP0()), "1,1,2,3,#FALSE#\r\n2,4,5,6,#FALSE#\r\n");
-}
-
-TEST_F(JournalTest, ClearTablesEmptiesTheDocument) {
-  Measure();
-  DeletePoint(doc, wf, 1);
-  doc.ReferenceMapLoaded = kTrue;
-  doc.ReferencePointCount = 1;
-  doc.SplitBoundaryEdges[0].push_back(1);
-  ClearTables(doc);
-  EXPECT_EQ(doc.PointCount + doc.EntityCount + doc.ScreenPointCount + doc.ScreenEntityCount, 0);
-  EXPECT_TRUE(doc.PointTable.empty() && doc.EntityTable.empty() && doc.UndeleteStack.empty());
-  EXPECT_EQ(doc.DeletedPointCount, 0);
-  EXPECT_EQ(doc.ReferenceMapLoaded, kFalse);
-  EXPECT_EQ(doc.ReferencePointCount, 0);
-  EXPECT_TRUE(doc.SplitBoundaryEdges[0].empty());
 }
 
 TEST_F(JournalTest, ANonFiniteCoordinateDoesNotEndTheRecovery) {
