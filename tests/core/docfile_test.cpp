@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
 #include <cmath>
 #include <random>
 
@@ -439,6 +444,42 @@ TEST_F(DocFileTest, FailedSaveKeepsThePreviousFileAndTheTables) {
   EXPECT_EQ(dialogs.shown.back().title, "存檔失敗");
 }
 
+// Makes a folder refuse every change, also to a process whose rights ignore a read-only
+// mode (tests often run as root): the immutable flag of the file system where it is
+// supported, else the mode bits. Undone when it goes out of scope.
+class ReadOnlyFolder {
+ public:
+  explicit ReadOnlyFolder(const std::filesystem::path& dir) : dir_(dir) {
+    std::filesystem::permissions(dir, std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+    immutable_ = SetImmutable(true);
+  }
+  ~ReadOnlyFolder() {
+    if (immutable_) SetImmutable(false);
+    std::filesystem::permissions(dir_, std::filesystem::perms::owner_all);
+  }
+  // True when a new file really cannot be made there.
+  bool Effective() const {
+    int fd = ::open((dir_ / "probe").c_str(), O_WRONLY | O_CREAT, 0644);
+    if (fd < 0) return true;
+    ::close(fd);
+    return false;
+  }
+
+ private:
+  bool SetImmutable(bool on) {
+    int fd = ::open(dir_.c_str(), O_RDONLY | O_DIRECTORY);
+    if (fd < 0) return false;
+    int flags = 0;
+    bool ok = ::ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0;
+    flags = on ? (flags | FS_IMMUTABLE_FL) : (flags & ~FS_IMMUTABLE_FL);
+    ok = ok && ::ioctl(fd, FS_IOC_SETFLAGS, &flags) == 0;
+    ::close(fd);
+    return ok;
+  }
+  std::filesystem::path dir_;
+  bool immutable_ = false;
+};
+
 TEST_F(DocFileTest, SaveIntoReadOnlyFolderKeepsThePreviousFile) {
   std::filesystem::path dir = home.path / "ro";
   std::filesystem::create_directory(dir);
@@ -447,15 +488,14 @@ TEST_F(DocFileTest, SaveIntoReadOnlyFolderKeepsThePreviousFile) {
   AddPoint(d, view, wf, 1, 1, 1);
   ASSERT_TRUE(SaveDocument(d, wf, dialogs));
   const std::string before = ReadBytes(d.SpcPath);
-  std::filesystem::permissions(dir, std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
-  if (std::FILE* probe = std::fopen((dir / "probe").c_str(), "w")) {
-    std::fclose(probe);
-    GTEST_SKIP() << "running with rights that ignore a read-only folder";
-  }
   AddPoint(d, view, wf, 2, 2, 2);
+  ReadOnlyFolder readOnly(dir);
+  if (!readOnly.Effective()) GTEST_SKIP() << "cannot make a folder read-only here";
   EXPECT_FALSE(SaveDocument(d, wf, dialogs));
   EXPECT_EQ(ReadBytes(d.SpcPath), before);
   EXPECT_EQ(d.PointCount, 2);
+  EXPECT_EQ(dialogs.shown.back().title, "存檔失敗");
+  EXPECT_FALSE(std::filesystem::exists(d.OldPath));
 }
 
 TEST_F(DocFileTest, OldDocumentFormatIsRead) {
