@@ -46,20 +46,6 @@ int KeyCode(int qtKey) {
 
 }  // namespace
 
-// Status panels and labels of the map view.
-class EditWiring::Ui : public tavik::view::ViewUi {
- public:
-  explicit Ui(MainFrm& frm) : frm_(frm) {}
-  void SetStatusPanel(int panel, const std::string& text) override { frm_.SetPanel(panel, text); }
-  void SetLabel(const std::string& name, const std::string& text) override {
-    if (name == "Label41") frm_.SetLabel41(text);
-    if (name == "Label42") frm_.SetLabel42(text);
-  }
-
- private:
-  MainFrm& frm_;
-};
-
 // The window's half of the editor's host.
 class EditWiring::Host : public tavik::edit::MapHost {
  public:
@@ -118,10 +104,9 @@ class EditWiring::Host : public tavik::edit::MapHost {
 EditWiring::EditWiring(Program& program)
     : QObject(&program.frm),
       program_(program),
-      ui_(std::make_unique<Ui>(program.frm)),
       paper_(program.frm.Paper1()->Surface(), program.app.view) {
   auto& app = program_.app;
-  canvas_ = std::make_unique<tavik::view::MapCanvas>(app.doc, app.view, display_, paper_, *ui_, program_.dialogs);
+  canvas_ = std::make_unique<tavik::view::MapCanvas>(app.doc, app.view, display_, paper_, program_.frm, program_.dialogs);
   canvas_->RebuildScreenTables = [&app] {
     tavik::RebuildScreenPoints(app.doc, app.view);
     tavik::RebuildScreenEntities(app.doc, app.view);

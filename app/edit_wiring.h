@@ -69,13 +69,11 @@ class EditWiring : public QObject {
 
  private:
   class Host;
-  class Ui;
   void BuildToolbars();
   void BuildMenus();
 
   Program& program_;
   tavik::view::Display display_;
-  std::unique_ptr<Ui> ui_;
   PaperSurface paper_;
   std::unique_ptr<tavik::view::MapCanvas> canvas_;
   std::unique_ptr<Host> host_;

@@ -84,6 +84,64 @@ class EditWindowTest : public QObject {
     QCOMPARE(p.app.doc.PointCount, 3);
     QVERIFY(p.app.doc.UndeleteStack.empty());
   }
+
+  // A small map drawn by pen through the window: a closed wall, a circle, an arc, a
+  // numbered pole, a note and a midpoint. TAVIK_SCREENSHOT2 keeps its picture.
+  void aSmallMapByPen() {
+    tavik::testing::TempHome home;
+    tavik::ui::ScriptedDialogs dialogs;
+    Program p(tavik::AppPaths{home.path}, &dialogs);
+    EditWiring w(p);
+    p.app.paths.EnsureFolders();
+    p.frm.resize(1000, 700);
+    p.frm.show();
+    p.Start();
+    dialogs.files = {(p.app.paths.WorkFolder() / "丙地").string() + ".SPC"};
+    p.cycle.New();
+    const double cE = p.app.doc.ViewCentreE, cN = p.app.doc.ViewCentreN;
+    const double pts[][2] = {{-8, -4}, {0, -4}, {0, 3}, {-8, 3}, {4, 0}, {6, 0}, {3, -5}, {6, -2}, {9, -5}};
+    for (const auto& q : pts) QVERIFY(tavik::AddPoint(p.app.doc, p.app.view, p.app.work, cE + q[0], cN + q[1], 5));
+    p.frm.RedrawPaper();
+    PaperWidget* paper = p.frm.Paper1();
+    auto click = [&](int k) {
+      QTest::mouseClick(paper, Qt::LeftButton, Qt::NoModifier, At(p, w, cE + pts[k][0], cN + pts[k][1]));
+    };
+    auto tool = [&](const char* key) { w.Toolbar2()->findChild<QAction*>(key)->trigger(); };
+
+    QTest::keyClick(paper, Qt::Key_J);  // 407 圍牆
+    QCOMPARE(p.app.doc.CurrentLegend, int16_t(407));
+    tool("Line");
+    for (int k = 0; k < 4; ++k) click(k);
+    QTest::mouseMove(paper, At(p, w, cE - 4, cN));
+    QTest::keyClick(paper, Qt::Key_C);  // closes the chain
+    QCOMPARE(p.app.doc.EntityCount, 4);
+    QCOMPARE(w.Editor().Ptr.LineInProgress, tavik::kFalse);
+
+    QTest::keyClick(paper, Qt::Key_H);  // 301 建物
+    tool("P2C");
+    click(4);
+    click(5);
+    tool("ARC");
+    click(6);
+    click(7);
+    click(8);
+    QTest::keyClick(paper, Qt::Key_O);  // 605 電力桿
+    tool("Symbol");
+    dialogs.inputs = {"A12"};
+    click(5);
+    tool("Text");
+    dialogs.inputs = {"甲地"};
+    QTest::mouseClick(paper, Qt::LeftButton, Qt::NoModifier, At(p, w, cE - 6, cN));
+    w.Editor().StartCommand("NP_MidOf");
+    QTest::mouseClick(paper, Qt::LeftButton, Qt::NoModifier, At(p, w, cE - 4, cN - 4));
+    QCOMPARE(p.app.doc.PointCount, 10);
+    // Lines 4, circle and its label, arc, pole, note.
+    QCOMPARE(p.app.doc.EntityCount, 9);
+    QVERIFY(dialogs.Messages().empty());
+    p.frm.RedrawPaper();
+    if (qEnvironmentVariableIsSet("TAVIK_SCREENSHOT2"))
+      paper->Surface().Image().save(qEnvironmentVariable("TAVIK_SCREENSHOT2"));
+  }
 };
 
 QTEST_MAIN(EditWindowTest)
