@@ -215,6 +215,13 @@ void EditWiring::BuildMenus() {
     u->setObjectName("MainMnuUndelete");
     connect(u, &QAction::triggered, this, [this] { editor_->Undelete(); });
   }
+  QMenu* setup = program_.frm.Menu("MainMnuSetup");
+  if (setup) {
+    QAction* a = setup->addAction("自動點名");
+    a->setObjectName("AutoNaming");
+    a->setCheckable(true);
+    connect(a, &QAction::toggled, this, [this](bool on) { editor_->Names.AutoNaming = on; });
+  }
   QMenu* view = program_.frm.Menu("MainMnuView");
   if (view) {
     QAction* a = view->addAction("快捷鍵速覽");

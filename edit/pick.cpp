@@ -44,6 +44,12 @@ int UsedVertices(int16_t kind) {
   }
 }
 
+// Curves larger than this are not sampled for a pick: a damaged record (or three nearly
+// collinear points) would otherwise ask for millions of samples on every click.
+constexpr double MaxPickRadius = 100000;
+
+bool Pickable(double radius) { return std::isfinite(radius) && radius <= MaxPickRadius; }
+
 // The outline of a record as a chain: the segment itself, or the sampled curve.
 template <class Rec>
 void Outline(const Rec& r, std::vector<double>& E, std::vector<double>& N) {
@@ -54,21 +60,29 @@ void Outline(const Rec& r, std::vector<double>& E, std::vector<double>& N) {
       E = {r.X[0], r.X[1]};
       N = {r.Y[0], r.Y[1]};
       break;
-    case KindCircle2:
-      SampleCircle(r.X[0], r.Y[0], std::hypot(r.X[1] - r.X[0], r.Y[1] - r.Y[0]), E, N);
+    case KindCircle2: {
+      const double radius = std::hypot(r.X[1] - r.X[0], r.Y[1] - r.Y[0]);
+      if (Pickable(radius)) SampleCircle(r.X[0], r.Y[0], radius, E, N);
       break;
+    }
     case KindCircle3: {
       if (Cross3(r.X[0], r.Y[0], r.X[1], r.Y[1], r.X[2], r.Y[2]) == 0) break;
       double e1 = r.X[0], n1 = r.Y[0], e2 = r.X[1], n2 = r.Y[1], e3 = r.X[2], n3 = r.Y[2];
       SeparationNudge(e1, n1, e2, n2, e3, n3);
       double ec, nc;
       CircleCentre3(e1, n1, e2, n2, e3, n3, ec, nc);
-      SampleCircle(ec, nc, std::hypot(r.X[1] - ec, r.Y[1] - nc), E, N);
+      const double radius = std::hypot(r.X[1] - ec, r.Y[1] - nc);
+      if (Pickable(radius)) SampleCircle(ec, nc, radius, E, N);
       break;
     }
-    case KindArc3:
-      SampleArc3(r.X[0], r.Y[0], r.X[1], r.Y[1], r.X[2], r.Y[2], E, N);
+    case KindArc3: {
+      if (Cross3(r.X[0], r.Y[0], r.X[1], r.Y[1], r.X[2], r.Y[2]) == 0) break;
+      double ec, nc;
+      CircleCentre3(r.X[0], r.Y[0], r.X[1], r.Y[1], r.X[2], r.Y[2], ec, nc);
+      if (Pickable(std::hypot(r.X[1] - ec, r.Y[1] - nc)))
+        SampleArc3(r.X[0], r.Y[0], r.X[1], r.Y[1], r.X[2], r.Y[2], E, N);
       break;
+    }
     default:
       break;
   }

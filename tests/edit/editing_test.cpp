@@ -1,5 +1,7 @@
 // Erasing, window deletes, undelete order, legend changes, renaming, offsets, notes,
 // symbols and the inquiry, each checked on the tables and on the journal.
+#include <cmath>
+
 #include "edit_fixture.h"
 
 namespace tavik::edit {
@@ -216,6 +218,25 @@ TEST_F(Editing, RightClickInquiryNamesTheNearestEntity) {
   RightClick(1019, 2001);
   EXPECT_EQ(host.inquiryRow, 1);
   EXPECT_NE(host.inquiry.find("名稱: K5"), std::string::npos);
+}
+
+TEST_F(Editing, DamagedRecordsNeitherHangNorCrashAPick) {
+  const double nan = std::nan("");
+  ASSERT_TRUE(AddEntity(doc, view, work, 301, KindCircle2, 1000, 2000, 0, 1e12, 2000, 0, 0, 0, 0, ""));
+  ASSERT_TRUE(AddEntity(doc, view, work, 301, KindArc3, 1000, 2000, 0, 1e6, 2000 + 1e-9, 0, 2e6, 2000, 0, ""));
+  ASSERT_TRUE(AddEntity(doc, view, work, 301, KindLine, nan, 2000, 0, 1005, nan, 0, 0, 0, 0, ""));
+  ASSERT_TRUE(AddEntity(doc, view, work, 301, KindCircle3, 1000, 2000, 0, 1000, 2000, 0, 1000, 2000, 0, ""));
+  Line(1000, 2003, 1010, 2003);
+  RightClick(1005, 2003);
+  EXPECT_EQ(host.inquiryRow, 4);
+  for (const std::string& m : {mode::NP_MidOf, mode::NP_IntOf, mode::PointProject}) {
+    ed.StartCommand(m);
+    Click(1002, 1998);
+  }
+  EXPECT_EQ(doc.PointCount, 0);
+  ed.Toolbar2Click(mode::EraseEntity);
+  Click(1005, 2003);
+  EXPECT_EQ(doc.EntityTable[4].Deleted, kTrue);
 }
 
 }  // namespace
