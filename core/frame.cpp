@@ -1,5 +1,6 @@
 #include "core/frame.h"
 
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -33,6 +34,13 @@ fs::path FindNoCase(const fs::path& p) {
 }
 
 std::string Count(int64_t n) { return std::to_string(n); }
+
+// "1 :" + Int(scale). A scale from a damaged file may be no number at all or beyond
+// any integer; it is then shown as it stands rather than converted.
+std::string ScaleText(double scale) {
+  if (std::isfinite(scale) && std::fabs(scale) < 1e15) return "1 :" + Count(static_cast<int64_t>(num::Int(scale)));
+  return "1 :" + num::Plain(scale);
+}
 
 // Values of the old document that a new one carries on: the station and heights the
 // surveyor set up, the legend in use, the map type chosen in the instrument options.
@@ -123,7 +131,7 @@ void DocumentCycle::ShowCounts() {
   const Document& doc = app_.doc;
   const int64_t points = static_cast<int64_t>(doc.PointCount) - doc.DeletedPointCount;
   const int64_t entities = static_cast<int64_t>(doc.EntityCount) - doc.DeletedEntityCount;
-  window_.SetPanel(1, "1 :" + Count(static_cast<int64_t>(num::Int(doc.ScaleDenominator))));
+  window_.SetPanel(1, ScaleText(doc.ScaleDenominator));
   window_.SetLabel41(Count(points));
   window_.SetLabel42(Count(entities));
   window_.SetPanel(4, "測點 " + Count(points));

@@ -4,6 +4,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QtTest>
+#include <cmath>
 #include <filesystem>
 
 #include "app/program.h"
@@ -104,6 +105,27 @@ class MainFrmTest : public QObject {
     QVERIFY(p.frm.close());
     QVERIFY(fs::exists(name + ".SPC"));
     QVERIFY(!fs::exists(p.app.paths.TempP0()));
+  }
+
+  void damagedScaleDoesNotBringTheWindowDown() {
+    // A document whose scale is no usable number (as a damaged file may hold) goes
+    // through save, reload and the view without ending the program.
+    tavik::testing::TempHome home;
+    tavik::ui::ScriptedDialogs dialogs;
+    Program p(tavik::AppPaths{home.path}, &dialogs);
+    p.app.paths.EnsureFolders();
+    p.Start();
+    for (double scale : {1e300, -5.0, 0.0, std::nan("")}) {
+      dialogs.files = {(p.app.paths.WorkFolder() / "bad.SPC").string()};
+      dialogs.answers = {tavik::ui::Answer::Yes};
+      p.cycle.New();
+      QVERIFY(tavik::AddPoint(p.app.doc, p.app.view, p.app.work, 280850, 2752650, 5));
+      p.app.doc.MapChanged = tavik::kTrue;
+      p.app.doc.ScaleDenominator = scale;
+      p.frm.Command("MainMnuSave")->trigger();
+      QVERIFY(p.frm.PanelText(1).startsWith("1 :"));
+      QVERIFY(p.cycle.Close());
+    }
   }
 
   void recentItemsSurviveARestart() {

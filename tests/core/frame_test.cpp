@@ -3,10 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <filesystem>
 #include <map>
 
 #include "core/docfile.h"
+#include "core/numbers.h"
 #include "core/tables.h"
 #include "core/text.h"
 #include "platform/scripted/scripted.h"
@@ -240,6 +242,31 @@ TEST(DocumentCycle, SaveThenReopenKeepsEverything) {
   EXPECT_EQ(s.window.caption, "TAVIK - " + s.Work("farm") + ".SPC");
   // Open writes no journal.
   EXPECT_FALSE(fs::exists(s.app.paths.TempP0()));
+}
+
+TEST(DocumentCycle, DamagedScaleInAFileIsShownNotConverted) {
+  TempHome home;
+  Session s(home.path);
+  s.cycle.Startup();
+  struct Case {
+    double scale;
+    std::string panel;
+  } cases[] = {{500.7, "1 :500"}, {1e300, "1 :" + num::Plain(1e300)}, {-2.5, "1 :-3"}};
+  for (const auto& c : cases) {
+    s.NewAt(s.Work("scale.SPC"));
+    s.Measure(1);
+    s.app.doc.ScaleDenominator = c.scale;
+    s.cycle.Save();
+    ASSERT_TRUE(s.cycle.Close());
+    s.dialogs.files = {s.Work("scale.SPC")};
+    s.cycle.Open();
+    EXPECT_EQ(s.window.panels[1], c.panel);
+    ASSERT_TRUE(s.cycle.Close());
+  }
+  s.NewAt(s.Work("nan.SPC"));
+  s.app.doc.ScaleDenominator = std::nan("");
+  s.cycle.ShowCounts();
+  EXPECT_EQ(s.window.panels[1].rfind("1 :", 0), 0u);
 }
 
 TEST(DocumentCycle, LowerCaseSpcOpensAndSavesUnderItsOwnName) {
