@@ -1,0 +1,49 @@
+// InstOptions, 儀器選單: the window over InstOptionsLogic. Tabs for total stations,
+// GNSS receivers and depth sounders (the latter two are filled by their own parts); the
+// total-station tab has the option buttons, port and speed, 2D/3D, help, automatic
+// identification, power and rotation. The dialog has its own port MSComm1 and the
+// timers Timer1 (power-on delay) and Timer2 (identification probes).
+#pragma once
+
+#include <QDialog>
+#include <map>
+
+#include "instruments/inst_options.h"
+#include "platform/qt/qt_timer.h"
+#include "platform/qt/serial_port.h"
+
+class QComboBox;
+class QLabel;
+class QRadioButton;
+class QTabWidget;
+
+class InstOptions : public QDialog {
+  Q_OBJECT
+ public:
+  InstOptions(tavik::InstrumentState& state, tavik::ui::Dialogs& dialogs, tavik::InstOptionsHost& host,
+              tavik::ui::SettingsStore* settings, QWidget* parent = nullptr);
+
+  tavik::InstOptionsLogic& Logic() { return logic_; }
+  QRadioButton* Option(tavik::InstOption option) const { return options_.at(option); }
+  QTabWidget* Tabs() const { return tabs_; }
+
+ public slots:
+  void accept() override;  // cmdOK
+  void reject() override;  // cmdCancel
+
+ private:
+  void ShowState();
+
+  tavik::InstrumentState& state_;
+  tavik::ui::QtSerialPort port_;
+  tavik::ui::QtTimer timer1_, timer2_;
+  tavik::InstOptionsLogic logic_;
+  QTabWidget* tabs_ = nullptr;
+  std::map<tavik::InstOption, QRadioButton*> options_;
+  QComboBox* combo4_ = nullptr;
+  QComboBox* combo5_ = nullptr;
+  QRadioButton* opt2D_ = nullptr;
+  QRadioButton* opt3D_ = nullptr;
+  QLabel* label6_ = nullptr;
+  class QPushButton* ok_ = nullptr;
+};
