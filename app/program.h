@@ -5,6 +5,7 @@
 
 #include <memory>
 
+#include "app/instrument_link.h"
 #include "app/mainfrm.h"
 #include "core/app_state.h"
 #include "core/frame.h"
@@ -29,4 +30,5 @@ class Program {
   tavik::ui::QtTimerFactory timers;
   tavik::DocumentCycle cycle;
   tavik::GpsDatumSettings gpsDatum;  // datum and meridian of the GNSS conversion
+  InstrumentLink instruments{frm, dialogs, &store};  // the total station: state, ports, link, robotic panel
 };
