@@ -6,11 +6,15 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <cmath>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "instruments/inst_options.h"
 #include "instruments/link.h"
@@ -142,6 +146,53 @@ TEST(SerialEndToEnd, EveryFamilyMeasuresTheScene) {
       EXPECT_FALSE(rig.link.picture.MsgObserve);
     }
     EXPECT_TRUE(rig.dialogs.shown.empty());
+  }
+}
+
+TEST(SerialEndToEnd, MisbehavingInstrumentThenAGoodAnswer) {
+  struct Case {
+    const char* family;
+    const char* kind;
+    const char* fault;
+    std::optional<std::vector<std::string>> boxes;  // titles the bad answer raises; nullopt: any
+    bool waitStays;                                  // no complete answer: the wait picture stays
+  };
+  const Case cases[] = {
+      {"SET", "SET30R", "e200", std::vector<std::string>{"無法測距"}, false},
+      {"SET", "SET30R", "tilt", std::vector<std::string>{"儀器有問題"}, false},
+      {"SET", "SET30R", "face2", std::vector<std::string>{"倒鏡提示", "HD資料錯誤"}, false},
+      {"GTS22X", "GTS22X", "garbled", std::nullopt, false},
+      {"Leica", "FlexLine", "half", std::vector<std::string>{}, true},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.kind) + " " + c.fault);
+    QTemporaryDir dir;
+    QString record = dir.filePath("received.bin");
+    Sim sim(c.family, {"--fault", c.fault, "--record", record});
+    Rig rig(sim.path);
+    rig.state.InstrumentKind = c.kind;
+    rig.state.AwaitPointShot = -1;
+    rig.link.StartShot();
+    SpinUntil([&] { return !rig.link.picture.MsgObserve; }, c.waitStays ? 300 : 3000);
+    EXPECT_EQ(rig.link.picture.MsgObserve, c.waitStays);
+    std::vector<std::string> titles;
+    for (const auto& s : rig.dialogs.shown) titles.push_back(s.title);
+    if (c.boxes) {
+      EXPECT_EQ(titles, *c.boxes);
+    }
+    EXPECT_EQ(rig.delivered, 0);
+    // The next request is answered properly and decoded.
+    rig.link.StartShot();
+    ASSERT_TRUE(SpinUntil([&] { return rig.delivered == 1; })) << rig.link.picture.OBSBox;
+    Point p = Reduce(rig.state, kTargets[0].height);
+    EXPECT_NEAR(p.e, kTargets[0].e, 0.002);
+    if (std::string(c.family) == "GTS22X") {
+      // The simulator saw each request, and TAVIK acknowledged each "?" answer.
+      QFile f(record);
+      ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+      const QByteArray request("C067\x03\r\n"), ack("\x06" "006\x03\r\n");
+      EXPECT_EQ(f.readAll(), request + ack + request + ack);
+    }
   }
 }
 
