@@ -70,15 +70,24 @@ TEST_F(RenderReference, SampleMatchesTheReviewedPicture) {
 }
 
 TEST_F(RenderReference, ScaleCentreAndSizeOptions) {
-  const std::string out = (home.path / "zoom.png").string();
-  ASSERT_EQ(RunTool(kTool + " render " + spc + " " + out + " --size 400x300 --scale 100 --centre 280020,2749990"), 0);
-  QImage got(QString::fromStdString(out));
-  ASSERT_EQ(got.width(), 400);
-  ASSERT_EQ(got.height(), 300);
-  int ink = 0;
-  for (int y = 0; y < got.height(); ++y)
-    for (int x = 0; x < got.width(); ++x) ink += got.pixel(x, y) != qRgb(255, 255, 255);
-  EXPECT_GT(ink, 500);
+  auto ink = [&](const std::string& options) {
+    const std::string out = (home.path / "zoom.png").string();
+    EXPECT_EQ(RunTool(kTool + " render " + spc + " " + out + " " + options), 0) << options;
+    QImage got(QString::fromStdString(out));
+    EXPECT_EQ(got.width(), 400);
+    EXPECT_EQ(got.height(), 300);
+    int n = 0;
+    for (int y = 0; y < got.height(); ++y)
+      for (int x = 0; x < got.width(); ++x) n += got.pixel(x, y) != qRgb(255, 255, 255);
+    return n;
+  };
+  // Over the symbols at 1 : 100 there is plenty to see; far from the survey, only the
+  // scale bar and its label.
+  const int near = ink("--size 400x300 --scale 100 --centre 280020,2749990");
+  const int far = ink("--size 400x300 --scale 100 --centre 280020,2760000");
+  EXPECT_GT(near, 250);
+  EXPECT_LT(far, 150);
+  EXPECT_GT(far, 20);
 }
 
 TEST_F(RenderReference, BadArgumentsAndFiles) {
