@@ -99,6 +99,7 @@ struct PointerState {
   bool Windowing = false;
   bool RightPressTaken = false;  // a command took the right press: its release is no inquiry
   bool BandShown = false;  // an inverted rubber band is on the picture
+  bool BandIsRectangle = false;
   std::array<float, 4> Band{};
   std::vector<int32_t> ChainRows;  // EntityTable rows of the lines of the chain
 };

@@ -37,11 +37,12 @@ void Editor::DrawBand(float x1, float y1, float x2, float y2, bool rectangle) {
   }
   surface.SetDrawMode(ui::DrawMode::Copy);
   Ptr.Band = {x1, y1, x2, y2};
+  Ptr.BandIsRectangle = rectangle;
 }
 
 void Editor::EraseBand() {
   if (!Ptr.BandShown) return;
-  DrawBand(Ptr.Band[0], Ptr.Band[1], Ptr.Band[2], Ptr.Band[3], Ptr.Windowing);
+  DrawBand(Ptr.Band[0], Ptr.Band[1], Ptr.Band[2], Ptr.Band[3], Ptr.BandIsRectangle);
   Ptr.BandShown = false;
 }
 

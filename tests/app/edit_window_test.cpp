@@ -73,6 +73,20 @@ class EditWindowTest : public QObject {
     QVERIFY(inked);
     if (qEnvironmentVariableIsSet("TAVIK_SCREENSHOT")) img.save(qEnvironmentVariable("TAVIK_SCREENSHOT"));
 
+    // A window drawn and cancelled leaves the picture exactly as it was: the rubber
+    // rectangle is drawn inverted and taken off the same way.
+    w.Toolbar2()->findChild<QAction*>("EraseWindow")->trigger();
+    dialogs.answers = {tavik::ui::Answer::Cancel};
+    const QPoint a = At(p, w, cE - 6, cN - 5), b = At(p, w, cE + 1, cN + 1);
+    QTest::mousePress(paper, Qt::LeftButton, Qt::NoModifier, a);
+    QTest::mouseMove(paper, (a + b) / 2);
+    QVERIFY(paper->Surface().Image() != img);
+    QTest::mouseMove(paper, b);
+    QTest::mouseRelease(paper, Qt::LeftButton, Qt::NoModifier, b);
+    QCOMPARE(dialogs.shown.back().title, std::string("刪除窗選資料"));
+    QVERIFY(paper->Surface().Image() == img);
+    QCOMPARE(LiveLines(p.app.doc), 4);
+
     p.frm.Command("MainMnuSave")->trigger();
     QVERIFY(std::filesystem::exists(name + ".SPC"));
     QVERIFY(p.cycle.Close());
