@@ -83,6 +83,12 @@ InstrumentLink::InstrumentLink(MainFrm& frm, tavik::ui::Dialogs& dialogs, tavik:
     QAction* a = setup->addAction("儀器選單...");
     a->setObjectName("mnuInstOptions");
     connect(a, &QAction::triggered, this, [this] { OpenInstOptions(); });
+    // The face-two reminder after each answer, on by default.
+    QAction* face = setup->addAction("倒鏡提示");
+    face->setObjectName("SetupFace2");
+    face->setCheckable(true);
+    face->setChecked(inst.FaceWarning != 0);
+    connect(face, &QAction::toggled, this, [this](bool on) { inst.FaceWarning = on ? -1 : 0; });
   }
 }
 

@@ -73,6 +73,10 @@ class InstrumentLinkTest : public QObject {
     QCOMPARE(il.inst.MapType, int16_t(1));
     QCOMPARE(LabelText(frm, "Label23"), QString("SET3110M/MV"));
     QVERIFY(il.RobotPanel()->isHidden());
+    QAction* face = frm.findChild<QAction*>("SetupFace2");
+    QVERIFY(face && face->isChecked());
+    face->trigger();
+    QCOMPARE(il.inst.FaceWarning, int16_t(0));
   }
 
   void robotPanelWritesOnTheSetPort() {
