@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -79,8 +80,15 @@ class EditHost {
   virtual bool HasGpsFix() const { return false; }
   virtual std::string MeasureMode() const { return "TS"; }
 
-  // Modes of subsystems not built here. True when the event was taken.
-  virtual bool Plugged(const std::string& /*mode*/, PlugEvent, double /*E*/, double /*N*/) { return false; }
+  // Modes of subsystems not built here: each registers its handler under its mode key
+  // (Plugs["LD"] = ...); a mode with no handler does nothing and says nothing. True when
+  // the event was taken.
+  using PlugHandler = std::function<bool(PlugEvent, double E, double N)>;
+  std::map<std::string, PlugHandler> Plugs;
+  virtual bool Plugged(const std::string& mode, PlugEvent event, double E, double N) {
+    const auto it = Plugs.find(mode);
+    return it != Plugs.end() && it->second && it->second(event, E, N);
+  }
 };
 
 // The data of the pointer machine.

@@ -58,5 +58,26 @@ TEST_F(OnTheMap, ZoomWindowAndPanChangeTheView) {
   EXPECT_EQ(view.ViewHistoryCount, 2);
 }
 
+TEST_F(OnTheMap, ModesOfLaterSubsystemsTakeTheirPlugs) {
+  std::vector<std::pair<PlugEvent, double>> got;
+  mapHost.Plugs["STKOUT"] = [&](PlugEvent ev, double E, double) {
+    got.emplace_back(ev, E);
+    return true;
+  };
+  editor.StartCommand("STKOUT");
+  editor.ClickAt(LeftButton, 1003, 2000);
+  ASSERT_EQ(got.size(), 2u);
+  EXPECT_EQ(got[0].first, PlugEvent::Press);
+  EXPECT_NEAR(got[0].second, 1003, 0.05);
+  EXPECT_EQ(got[1].first, PlugEvent::Release);
+  // A mode nobody plugged in yet: nothing happens, nothing is said.
+  editor.StartCommand("LD_Opt7");
+  editor.ClickAt(LeftButton, 1003, 2000);
+  editor.ClickAt(RightButton, 1003, 2000);
+  EXPECT_TRUE(dialogs.shown.empty());
+  EXPECT_EQ(doc.EntityCount, 0);
+  EXPECT_EQ(editor.Ptr.ActionMode, "LD_Opt7");
+}
+
 }  // namespace
 }  // namespace tavik::edit
