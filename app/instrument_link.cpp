@@ -101,14 +101,13 @@ InstrumentLink::~InstrumentLink() {
 }
 
 void InstrumentLink::OpenInstOptions() {
-  std::string before = inst.InstrumentKind;
+  // The dialog talks to the instrument on its own port, and a serial device opens only
+  // once: the main window's ports let go of it. The next request opens them again, on
+  // the port and with the settings chosen here.
+  MSComm_SET.Close();
+  MSComm_TOP.Close();
   InstOptions dlg(inst, dialogs_, *this, store_, &frm_);
   dlg.exec();
-  // Another instrument: the ports of the former one are closed.
-  if (inst.InstrumentKind != before) {
-    MSComm_SET.Close();
-    MSComm_TOP.Close();
-  }
 }
 
 void InstrumentLink::ShowWaitPicture(const tavik::WaitPicture& p) {

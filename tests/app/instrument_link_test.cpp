@@ -114,6 +114,27 @@ class InstrumentLinkTest : public QObject {
     il.link.StopShot();
     QVERIFY(!stopEnabled);
   }
+
+  void optionsDialogCanIdentifyOnThePortTheLinkHeld() {
+    Pty pty;
+    MainFrm frm;
+    tavik::ui::ScriptedDialogs dialogs;
+    tavik::ui::MemorySettingsStore store;
+    InstrumentLink il(frm, dialogs, &store);
+    il.link.StartShot();
+    QVERIFY(il.MSComm_SET.PortOpen());
+    pty.ReadFor(50);
+    QByteArray written;
+    QTimer::singleShot(0, [&] {
+      if (auto* dlg = qobject_cast<InstOptions*>(QApplication::activeModalWidget())) {
+        dlg->Logic().Command5Click();  // 關機, on the dialog's own port
+        written = pty.ReadFor(150);
+        dlg->reject();
+      }
+    });
+    il.OpenInstOptions();
+    QCOMPARE(written, QByteArray("*POFF\r\n"));
+  }
 };
 
 QTEST_MAIN(InstrumentLinkTest)
