@@ -92,6 +92,13 @@ class EditWiring::Host : public tavik::edit::MapHost {
       cycle.Save();
   }
   void ShowManual() override { w_.ShowHotKeys(); }
+  void ModeChanged(const std::string& mode) override {
+    for (QToolBar* bar : {w_.toolbar1_, w_.toolbar2_}) {
+      if (!bar) continue;
+      for (QAction* a : bar->actions())
+        if (a->isCheckable()) a->setChecked(a->objectName().toStdString() == mode || (mode == "ZoomW" && a->objectName() == "ZW"));
+    }
+  }
 
  private:
   void Show() {
@@ -162,15 +169,18 @@ void EditWiring::BuildToolbars() {
                          {"P3C", "三點圓"},         {"ARC", "三點弧"},          {"Text", "文字註記"},
                          {"Symbol", "實物註記"},    {"Label", "區塊註記"},      {"EraseP", "刪點"},
                          {"EraseEntity", "刪圖元"}, {"EraseWindow", "窗選刪除"}, {"Undelete", "救回"}};
+  program_.frm.addToolBarBreak();
   toolbar1_ = program_.frm.addToolBar("Toolbar1");
   toolbar1_->setObjectName("Toolbar1");
   for (const B& b : t1) {
     QAction* a = toolbar1_->addAction(QString::fromUtf8(b.caption));
     a->setObjectName(QString::fromUtf8(b.key));
     a->setToolTip(QString::fromUtf8(b.key));
+    a->setCheckable(std::string(b.key) == "ZW");
     const std::string key = b.key;
     connect(a, &QAction::triggered, this, [this, key] {
       editor_->Toolbar1Click(key);
+      host_->ModeChanged(editor_->Ptr.ActionMode);  // a refused mode must not stay pressed
       program_.frm.Paper1()->update();
     });
   }
@@ -180,9 +190,11 @@ void EditWiring::BuildToolbars() {
   for (const B& b : t2) {
     QAction* a = toolbar2_->addAction(QString::fromUtf8(b.caption));
     a->setObjectName(QString::fromUtf8(b.key));
+    a->setCheckable(std::string(b.key) != "Undelete");
     const std::string key = b.key;
     connect(a, &QAction::triggered, this, [this, key] {
       editor_->Toolbar2Click(key);
+      host_->ModeChanged(editor_->Ptr.ActionMode);  // a refused mode must not stay pressed
       program_.frm.Paper1()->update();
     });
   }

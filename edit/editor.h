@@ -70,6 +70,8 @@ class EditHost {
   virtual void ShowStatus(const std::string&) {}
   // The right-click inquiry popup for the entity at that row of EntityTable.
   virtual void ShowInquiry(int32_t /*row*/, const std::string& /*text*/) {}
+  // ActionMode changed ("" when no command runs): the toolbars show the mode pressed.
+  virtual void ModeChanged(const std::string& /*mode*/) {}
   // The legend in force changed (the legend button shows it).
   virtual void LegendChanged(int16_t /*code*/) {}
 

@@ -53,6 +53,7 @@ void Editor::SetMode(const std::string& mode, const std::string& prompt) {
   PendingRow = -1;
   host.SetPrompt(prompt);
   SetCursorForMode();
+  host.ModeChanged(mode);
 }
 
 void Editor::Reset() {
@@ -64,6 +65,7 @@ void Editor::Reset() {
   PendingRow = -1;
   host.SetPrompt("");
   host.SetCursor(Cursor::Arrow);
+  host.ModeChanged("");
 }
 
 void Editor::MouseDown(int button, int shift, float x, float y) {

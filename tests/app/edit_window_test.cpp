@@ -152,6 +152,17 @@ class EditWindowTest : public QObject {
     // Lines 4, circle and its label, arc, pole, note.
     QCOMPARE(p.app.doc.EntityCount, 9);
     QVERIFY(dialogs.Messages().empty());
+
+    // The toolbar shows the mode pressed; a refused legend leaves nothing pressed.
+    p.app.doc.CurrentLegend = 301;
+    tool("RECT");
+    QVERIFY(w.Toolbar2()->findChild<QAction*>("RECT")->isChecked());
+    p.app.doc.CurrentLegend = 110;
+    tool("Line");
+    QCOMPARE(dialogs.Messages().back(), std::string("目前圖例不能畫線"));
+    QVERIFY(!w.Toolbar2()->findChild<QAction*>("Line")->isChecked());
+    QVERIFY(w.Toolbar2()->findChild<QAction*>("RECT")->isChecked());
+
     p.frm.RedrawPaper();
     if (qEnvironmentVariableIsSet("TAVIK_SCREENSHOT2"))
       paper->Surface().Image().save(qEnvironmentVariable("TAVIK_SCREENSHOT2"));
