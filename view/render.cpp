@@ -43,26 +43,35 @@ bool MeetsPaperCircle(const MapCanvas& c, double Ec, double Nc, double r) {
 
 // An arc through three vertices. Small arcs go to the geometry library's arc routine;
 // one whose radius runs to millions of pixels is drawn as its visible chords.
-void DrawArcRow(MapCanvas& c, int32_t number, const double* X, const double* Y, bool report) {
+// False when nothing of the arc is on the paper (or it has no arc), so that its
+// decoration is skipped too.
+bool DrawArcRow(MapCanvas& c, int32_t number, const double* X, const double* Y, bool report) {
   ArcGeometry a;
   if (!ArcThrough(X[0], Y[0], X[1], Y[1], X[2], Y[2], a)) {
-    if (Cross3(X[0], Y[0], X[1], Y[1], X[2], Y[2]) != 0) return;  // not finite: nothing to say
-    if (!report) return;
+    if (Cross3(X[0], Y[0], X[1], Y[1], X[2], Y[2]) != 0) return false;  // not finite: nothing to say
+    if (!report) return false;
     double length = 0;
     DrawArc3(c.surface, c.dialogs, c.view, c.doc.ScaleDenominator, X[0], Y[0], X[1], Y[1], X[2], Y[2], length);
     c.dialogs.MsgBox("第" + std::to_string(number) + "筆圖元三點共線");
-    return;
+    return false;
   }
-  if (!MeetsPaperCircle(c, a.Ec, a.Nc, a.radius)) return;
+  if (!MeetsPaperCircle(c, a.Ec, a.Nc, a.radius)) return false;
   const double r = a.radius * c.PixelsPerMetre();
   if (r > 20000) {
     double cx, cy;
     c.ToPixel(a.Ec, a.Nc, cx, cy);
     c.Arc(cx, cy, r, a.a1, a.a1 + a.Sweep());
-    return;
+    return true;
   }
   double length = 0;
   DrawArc3(c.surface, c.dialogs, c.view, c.doc.ScaleDenominator, X[0], Y[0], X[1], Y[1], X[2], Y[2], length);
+  return true;
+}
+
+// The pen of an entity row: grey in the reference part, else the legend's own.
+void SetRowPen(MapCanvas& c, std::size_t row, const Entity& e) {
+  const bool reference = static_cast<int64_t>(row) < c.doc.ReferenceEntityCount;
+  c.SetPen(reference ? c.display.ReferenceLineColour : LegendColour(e.Code), LegendWidth(e.Code), LegendStyle(e.Code));
 }
 
 template <class Row>
@@ -74,6 +83,7 @@ bool Finite3(const Row& r, int used) {
 
 void DrawPointFeature(MapCanvas& c, std::size_t row, const Entity& e) {
   if (!MeetsPaper(c, e.X[0], e.Y[0], kNameReach)) return;
+  SetRowPen(c, row, e);
   double x, y;
   c.ToPixel(e.X[0], e.Y[0], x, y);
   switch (e.Code) {
@@ -102,6 +112,7 @@ void DrawLineRow(MapCanvas& c, std::size_t row, const Entity& e) {
   if (!MeetsPaper(c, std::min(e.X[0], e.X[1]), std::max(e.X[0], e.X[1]), std::min(e.Y[0], e.Y[1]),
                   std::max(e.Y[0], e.Y[1]), kSymbolReach))
     return;
+  SetRowPen(c, row, e);
   double x1, y1, x2, y2;
   c.ToPixel(e.X[0], e.Y[0], x1, y1);
   c.ToPixel(e.X[1], e.Y[1], x2, y2);
@@ -133,6 +144,7 @@ void DrawLineRow(MapCanvas& c, std::size_t row, const Entity& e) {
 }
 
 void DrawCircleAbout(MapCanvas& c, std::size_t row, const Entity& e, double Ec, double Nc, double Ep, double Np) {
+  SetRowPen(c, row, e);
   double cx, cy, px, py;
   c.ToPixel(Ec, Nc, cx, cy);
   c.ToPixel(Ep, Np, px, py);
@@ -142,7 +154,8 @@ void DrawCircleAbout(MapCanvas& c, std::size_t row, const Entity& e, double Ec, 
 }
 
 void DrawArcEntity(MapCanvas& c, std::size_t row, const Entity& e) {
-  DrawArcRow(c, e.Number, e.X, e.Y, true);
+  SetRowPen(c, row, e);
+  if (!DrawArcRow(c, e.Number, e.X, e.Y, true)) return;
   switch (e.Code) {
     case 510: case 921: case 905: {
       double x[3], y[3];
@@ -165,9 +178,6 @@ void DrawEntityRow(MapCanvas& c, std::size_t row) {
   const Entity& e = c.doc.EntityTable[row];
   if (e.Deleted) return;
   if (!c.display.ShowBreakLines && IsBreakLine(e.Code)) return;
-  const bool reference = static_cast<int64_t>(row) < c.doc.ReferenceEntityCount;
-  c.SetPen(reference ? c.display.ReferenceLineColour : LegendColour(e.Code), LegendWidth(e.Code),
-           LegendStyle(e.Code));
   switch (e.Kind) {
     case KindPoint:
       if (Finite3(e, 1)) DrawPointFeature(c, row, e);
