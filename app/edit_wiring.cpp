@@ -10,6 +10,7 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
+#include "app/legmenu.h"
 #include "core/tables.h"
 #include "edit/modes.h"
 #include "view/navigation.h"
@@ -198,6 +199,9 @@ void EditWiring::BuildToolbars() {
       program_.frm.Paper1()->update();
     });
   }
+  AddLegendButton(
+      toolbar2_, program_.app.doc, [this] { return editor_->ActionMode; }, program_.dialogs,
+      [this](int16_t code) { host_->LegendChanged(code); });
 }
 
 void EditWiring::BuildMenus() {
