@@ -200,7 +200,7 @@ void EditWiring::BuildToolbars() {
     });
   }
   AddLegendButton(
-      toolbar2_, program_.app.doc, [this] { return editor_->ActionMode; }, program_.dialogs,
+      toolbar2_, program_.app.doc, [this] { return editor_->Ptr.ActionMode; }, program_.dialogs,
       [this](int16_t code) { host_->LegendChanged(code); });
 }
 
