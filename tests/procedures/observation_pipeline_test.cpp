@@ -1,0 +1,218 @@
+// A shot from the record button to the stored, logged point.
+#include <gtest/gtest.h>
+
+#include "core/numbers.h"
+#include "core/record_text.h"
+#include "core/text.h"
+#include "geo/angles.h"
+#include "procedures/observation_pipeline.h"
+#include "survey_fixture.h"
+
+namespace tavik {
+namespace {
+
+using testing::ReadingTo;
+
+struct Pipeline : testing::SurveyFixture {
+  // Station S1 on (1000, 2000, 50), instrument 1.5 high, the circle turned so that a
+  // reading of 0 points at azimuth 30°.
+  Pipeline() {
+    SetStation(1000, 2000, 50, DegreesToRadians(30));
+    doc.InstrumentHeight = 1.5;
+    doc.TargetHeight = 1.3;
+  }
+  void Deliver(double tE, double tN, double tH, double th) {
+    const auto r = ReadingTo(1000, 2000, 50, 1.5, doc.OrientationConstant, tE, tN, tH, th);
+    inst.ObsHz = r.hz;
+    inst.ObsV = r.v;
+    inst.ObsSlope = r.slope;
+    int16_t dd = 0, mm = 0;
+    double ss = 0;
+    RadiansToDms(r.hz, dd, mm, ss);
+    inst.ObsHzRaw = dd * 10000 + mm * 100 + static_cast<int>(ss);
+    RadiansToDms(r.v, dd, mm, ss);
+    inst.ObsVRaw = dd * 10000 + mm * 100 + static_cast<int>(ss);
+  }
+};
+
+TEST_F(Pipeline, RecButtonRefusesWithoutStationAndAsksTheLink) {
+  doc.StationSet = kFalse;
+  RecButton(ctx);
+  EXPECT_EQ(dialogs.Messages(), std::vector<std::string>{"請先設定測站位置"});
+  EXPECT_EQ(link.shots, 0);
+  EXPECT_EQ(inst.AwaitPointShot, kFalse);
+  doc.StationSet = kTrue;
+  RecButton(ctx);
+  EXPECT_EQ(link.shots, 1);
+  EXPECT_EQ(inst.AwaitPointShot, kTrue);
+  EXPECT_FALSE(window.enabled["RecButton"]);
+  EXPECT_TRUE(window.enabled["CmdSTOP"]);
+}
+
+TEST_F(Pipeline, ShotStoresPointWithHeightAndLogsIt) {
+  dialogs.inputs.push_back("1.3");
+  Deliver(1040, 2030, 52.25, 1.3);
+  ReducePoint(ctx);
+  ASSERT_EQ(doc.PointCount, 1);
+  EXPECT_NEAR(doc.PointTable[0].E, 1040, 1e-9);
+  EXPECT_NEAR(doc.PointTable[0].N, 2030, 1e-9);
+  EXPECT_NEAR(doc.PointTable[0].H, 52.25, 1e-9);
+  EXPECT_EQ(window.texts["Label1XY(0)"], "1040.000");
+  EXPECT_EQ(window.texts["LabelHZ"], "52.250");
+  EXPECT_EQ(window.texts["Label41"], "1");
+  EXPECT_EQ(window.texts["StatusBar1(4)"], "測點 1");
+  EXPECT_EQ(survey.PointAdded, kTrue);
+  const std::string obs = File(".OBS");
+  const std::string want = num::Format(inst.ObsHzRaw, "00000") + ", " + std::to_string(inst.ObsVRaw) + " ," +
+                           num::Format(inst.ObsSlope, "0.000") + ",1.30, 2026/11/21 08:00:00\r\n";
+  EXPECT_EQ(obs, want);
+  EXPECT_EQ(File(".MAC"), "");  // only the point: no cadastral record
+  // The prompt as the surveyor sees it.
+  ASSERT_EQ(dialogs.shown.size(), 1u);
+  EXPECT_EQ(dialogs.shown[0].title, "輸入覘標高");
+  EXPECT_EQ(dialogs.shown[0].text, "(若不要高程,請輸入X)\r\n(若放棄本點,請按ESC或 [取消])\r\n輸入覘標高:");
+}
+
+TEST_F(Pipeline, TargetHeightAnswers) {
+  const struct {
+    std::optional<std::string> answer;
+    bool stored;
+    double H;
+  } cases[] = {
+      {"x", true, NoHeight}, {"X", true, NoHeight}, {std::nullopt, false, 0}, {"", false, 0},
+      {"1.2.3", false, 0},   {"abc", false, 0},     {"2", true, 50.25},
+  };
+  for (const auto& c : cases) {
+    const int32_t before = doc.PointCount;
+    dialogs.inputs.push_back(c.answer);
+    Deliver(1010, 2010, 52.25, 0);  // zero target height: H difference 2.25 - 1.5 from the instrument
+    ReducePoint(ctx);
+    EXPECT_EQ(doc.PointCount - before, c.stored ? 1 : 0) << c.answer.value_or("<cancel>");
+    if (c.stored) EXPECT_NEAR(doc.PointTable.back().H, c.H, 1e-9) << *c.answer;
+  }
+  EXPECT_EQ(doc.TargetHeight, 2);
+}
+
+TEST_F(Pipeline, PlanMapNeverPromptsAndStoresZeroHeight) {
+  doc.MapType = 2;
+  Deliver(990, 1990, 60, 1.3);
+  ReducePoint(ctx);
+  ASSERT_EQ(doc.PointCount, 1);
+  EXPECT_EQ(doc.PointTable[0].H, 0);
+  EXPECT_TRUE(dialogs.shown.empty());
+}
+
+TEST_F(Pipeline, NoDistanceIsRefused) {
+  Deliver(990, 1990, 60, 1.3);
+  inst.ObsSlope = 0;
+  ReducePoint(ctx);
+  EXPECT_EQ(doc.PointCount, 0);
+  EXPECT_EQ(window.texts["OBSBox"], "錯誤!!沒有距離值");
+  EXPECT_TRUE(window.enabled["RecButton"]);
+}
+
+TEST_F(Pipeline, FaceTwoGivesTheSamePoint) {
+  doc.MapType = 2;
+  Deliver(1025, 1970, 50, 0);
+  double hz = inst.ObsHz + Pi;
+  if (hz >= TwoPi) hz -= TwoPi;
+  inst.ObsHz = hz;
+  inst.ObsV = TwoPi - inst.ObsV;
+  ReducePoint(ctx);
+  ASSERT_EQ(doc.PointCount, 1);
+  EXPECT_NEAR(doc.PointTable[0].E, 1025, 1e-9);
+  EXPECT_NEAR(doc.PointTable[0].N, 1970, 1e-9);
+}
+
+TEST_F(Pipeline, CancelledCadastralDialogStoresNothing) {
+  dialogs.inputs.push_back("1.3");
+  window.cadastralChoices.push_back(0);
+  Deliver(1040, 2030, 52.25, 1.3);
+  survey.LastE = 7;
+  ReducePoint(ctx);
+  EXPECT_EQ(doc.PointCount, 0);
+  EXPECT_EQ(File(".OBS"), "");
+  EXPECT_EQ(survey.PrevE, 7);
+  EXPECT_NEAR(survey.LastE, 1040, 1e-9);  // the reduction stands
+  EXPECT_EQ(window.texts["Label1XY(0)"], "1040.000");
+  EXPECT_EQ(survey.PointHistoryE[0], 0);
+}
+
+TEST_F(Pipeline, CadastralShotWritesMacAndNamedEntity) {
+  doc.BacksightAzimuth = doc.OrientationConstant;  // readings are angles turned from the backsight
+  dialogs.inputs.push_back("1.3");
+  window.cadastralChoices.push_back(1);
+  window.cadastralNames.push_back(" 界12 ");
+  Deliver(1040, 2030, 52.25, 1.3);
+  ReducePoint(ctx);
+  ASSERT_EQ(doc.EntityCount, 1);
+  EXPECT_EQ(doc.EntityTable[0].Code, CodeNamedPoint);
+  EXPECT_EQ(doc.EntityTable[0].Name, "界12");
+  EXPECT_EQ(doc.SerialCounter, 1);
+  const std::string raw = std::to_string(inst.ObsHzRaw), v = std::to_string(inst.ObsVRaw);
+  const std::string want = "界12 " + raw.substr(0, raw.size() - 4) + "." + raw.substr(raw.size() - 4) + " " +
+                           v.substr(0, v.size() - 4) + "." + v.substr(v.size() - 4) + " " +
+                           num::Format(inst.ObsSlope, "0.000") + " \r\n";
+  EXPECT_EQ(File(".MAC"), text::ToCp950(want));
+}
+
+TEST_F(Pipeline, GuardKeepsOneObservationFromBeingStoredTwice) {
+  doc.MapType = 2;
+  Deliver(1040, 2030, 50, 0);
+  ReducePoint(ctx);
+  AddSurveyPoint(ctx, 1, true, survey.LastE, survey.LastN, survey.LastH);
+  EXPECT_EQ(doc.PointCount, 1);
+  EXPECT_EQ(rec::SplitLines(File(".OBS")).size(), 1u);
+}
+
+TEST_F(Pipeline, HistoryOfThreeAndAutoLink) {
+  doc.MapType = 2;
+  survey.AutoLink = kTrue;
+  const double pts[4][2] = {{1010, 2010}, {1020, 2015}, {1030, 2005}, {1040, 2000}};
+  for (const auto& p : pts) {
+    Deliver(p[0], p[1], 50, 0);
+    survey.PointHistoryFlags[3] = 1;
+    ReducePoint(ctx);
+  }
+  EXPECT_NEAR(survey.PointHistoryE[0], 1040, 1e-9);
+  EXPECT_NEAR(survey.PointHistoryE[1], 1030, 1e-9);
+  EXPECT_NEAR(survey.PointHistoryE[2], 1020, 1e-9);
+  EXPECT_EQ(survey.PointHistoryFlags[3], 0);
+  EXPECT_EQ(window.linkCount, 3);  // not for the first point
+}
+
+TEST_F(Pipeline, ViewFollowsAPointLeavingTheScreen) {
+  doc.MapType = 2;
+  view.ScreenMinE = 900;
+  view.ScreenMaxE = 1100;
+  view.ScreenMinN = 1900;
+  view.ScreenMaxN = 2100;
+  Deliver(1050, 2050, 50, 0);
+  ReducePoint(ctx);
+  Deliver(1150, 2050, 50, 0);
+  ReducePoint(ctx);
+  int fits = 0;
+  for (const auto& c : window.calls) fits += c.rfind("fit 1.05", 0) == 0;
+  EXPECT_EQ(fits, 1);
+}
+
+TEST_F(Pipeline, KeyedObservationRunsTheSamePath) {
+  inst.InstrumentKind = "Keyin";
+  doc.MapType = 2;
+  doc.OrientationConstant = 0;
+  window.keyed.push_back({"900000", "900000", "25"});
+  RecButton(ctx);
+  ASSERT_EQ(doc.PointCount, 1);
+  EXPECT_NEAR(doc.PointTable[0].E, 1025, 1e-6);
+  EXPECT_NEAR(doc.PointTable[0].N, 2000, 1e-6);
+  EXPECT_EQ(inst.AwaitPointShot, kFalse);
+  EXPECT_EQ(File(".OBS"), "900000, 900000 ,25.000,1.30, 2026/11/21 08:00:00\r\n");
+  // A refused reading (zero distance) stores nothing and gives the buttons back.
+  window.keyed.push_back({"900000", "900000", "0"});
+  RecButton(ctx);
+  EXPECT_EQ(doc.PointCount, 1);
+  EXPECT_TRUE(window.enabled["RecButton"]);
+}
+
+}  // namespace
+}  // namespace tavik
