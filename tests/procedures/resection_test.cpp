@@ -49,8 +49,11 @@ TEST(Resection, MirroredOrderShowsInTheClosure) {
   ResectSlot p1 = Observe("P2", 1080, 2010, 51, 1.6), p2 = Observe("P1", 1000, 2000, 50, 1.3);
   const ResectResult r = SolveResection(p1, p2, 2, kIH);
   ASSERT_EQ(r.outcome, ResectResult::Outcome::Solved);
+  // Both sides agree on the mirrored station, so only the angle closure shows it.
   EXPECT_GT(std::fabs(r.Closure), 1.0);
-  EXPECT_GT(r.CoordinateClosure, 1.0);
+  EXPECT_NEAR(r.CoordinateClosure, 0, 1e-6);
+  EXPECT_GT(std::hypot(r.StationE - kSE, r.StationN - kSN), 10.0);
+  EXPECT_EQ(ClosureText(r.Closure).substr(0, 1), "-");
 }
 
 TEST(Resection, DegenerateCases) {
@@ -166,7 +169,7 @@ TEST_F(ResectDialog, MeasureSolveAndStore) {
   EXPECT_EQ(doc.EntityTable.back().Name, "R1");
   EXPECT_EQ(doc.PointCount, 1);
   EXPECT_EQ(File(".MAC"), "R1 P1\r\n");
-  const auto obs = rec::SplitLines(File(".OBS"));
+  const auto obs = Lines(".OBS");
   ASSERT_EQ(obs.size(), 4u);
   EXPECT_EQ(obs[0], "-99,\", \",#2026/11/21 08:00:00#");
   EXPECT_EQ(obs[2], "\"P1\",1000,2000,50");

@@ -12,7 +12,9 @@
 #include <vector>
 
 #include "core/document.h"
+#include "core/record_text.h"
 #include "core/tables.h"
+#include "core/text.h"
 #include "core/temp_home.h"
 #include "geo/constants.h"
 #include "platform/scripted/scripted.h"
@@ -118,6 +120,13 @@ struct SurveyFixture : public ::testing::Test {
   }
 
   std::string File(const std::string& ext) { return ReadBytes(doc.DocumentName + ext); }
+  // The lines of a log, without their CR LF, as UTF-8.
+  std::vector<std::string> Lines(const std::string& ext) {
+    const std::string bytes = File(ext);
+    std::vector<std::string> out;
+    for (std::string_view l : rec::SplitLines(bytes)) out.push_back(text::FromCp950(l));
+    return out;
+  }
   void SetStation(double E, double N, double H, double oc) {
     doc.StationName = "S1";
     doc.StationE = E;
