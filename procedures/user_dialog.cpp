@@ -120,7 +120,6 @@ void UserDialogLogic::Command2() {
   if (!Check2) LabelBsz.clear();
   Text4Enabled = true;
   Command2Visible = false;
-  haveShot_ = false;
 }
 
 void UserDialogLogic::PickCoord(double E, double N) {

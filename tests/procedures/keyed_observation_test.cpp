@@ -52,3 +52,30 @@ TEST(KeyedObservation, FractionOfASecondIsKeptInRadians) {
 
 }  // namespace
 }  // namespace tavik
+
+#include "core/temp_home.h"
+#include "platform/scripted/scripted.h"
+#include "procedures/import_obs.h"
+
+namespace tavik {
+namespace {
+
+TEST(ImportObs, ChecksTheChosenFile) {
+  testing::TempHome home;
+  testing::WriteBytes(home.path / "a.obs", "x");
+  testing::WriteBytes(home.path / "a.txt", "x");
+  ui::ScriptedDialogs d;
+  EXPECT_FALSE(ImportOBS(d, home.path.string()));  // cancelled: no word
+  EXPECT_TRUE(d.Messages().empty());
+  d.files = {(home.path / "none.OBS").string(), (home.path / "a.txt").string(), (home.path / "a.obs").string()};
+  EXPECT_FALSE(ImportOBS(d, ""));
+  EXPECT_EQ(d.Messages().back(), "檔案不存在!");
+  EXPECT_FALSE(ImportOBS(d, ""));
+  EXPECT_EQ(d.shown.back().title, "檔案格式或檔案型別不符");
+  EXPECT_EQ(d.shown.back().text, "必需是TAVIK的OBS格式檔");
+  EXPECT_TRUE(ImportOBS(d, ""));
+  EXPECT_EQ(d.shown.size(), 6u);  // four file dialogs, two messages
+}
+
+}  // namespace
+}  // namespace tavik

@@ -1,0 +1,33 @@
+// FitDialog, "擺站": the Qt face of FitDialogLogic.
+#pragma once
+
+#include <QDialog>
+
+#include "procedures/fit_dialog.h"
+
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+class FitDialog : public QDialog {
+  Q_OBJECT
+ public:
+  FitDialog(tavik::SurveyContext& ctx, QWidget* parent = nullptr);
+  tavik::FitDialogLogic& Logic() { return logic_; }
+  void DistanceReceived();
+  void AngleReceived();
+
+ protected:
+  void reject() override;
+
+ private:
+  void Pull();
+  void Push();
+
+  tavik::FitDialogLogic logic_;
+  QComboBox *combo1_, *combo2_;
+  QLineEdit *text4_, *text3_;
+  QLabel *text5_, *label9_, *label10_, *label13_;
+  QPushButton *command3_, *command4_, *command5_, *command6_;
+};
