@@ -105,13 +105,13 @@ void SurveyPanel::Overlays() {
   auto& s = frm_.Paper1()->Surface();
   float x = 0, y = 0;
   if (stationShown_ && ToPixel(stationE_, stationN_, x, y)) {
-    s.SetPen(kBlue, 2);
+    s.SetPen(kBlue, 2, tavik::ui::LineStyle::Solid);
     s.Line(x - 8, y + 6, x + 8, y + 6);
     s.Line(x - 8, y + 6, x, y - 8);
     s.Line(x + 8, y + 6, x, y - 8);
   }
   if (targetShown_ && ToPixel(targetE_, targetN_, x, y)) {
-    s.SetPen(kRed, 1);
+    s.SetPen(kRed, 1, tavik::ui::LineStyle::Solid);
     for (float r : {2.f, 3.f, 4.f}) s.Circle(x, y, r);
     s.Text(x + 4, y - 2 - 12, targetName_, kRed, 12);
   }
@@ -185,7 +185,7 @@ void SurveyPanel::BlinkTick() {
   ToPixel(blinkE_, blinkN_, x, y);
   auto& s = frm_.Paper1()->Surface();
   s.SetDrawMode(tavik::ui::DrawMode::Invert);
-  s.SetPen(kRed, 2);
+  s.SetPen(kRed, 2, tavik::ui::LineStyle::Solid);
   s.Circle(x, y, 6);
   s.SetDrawMode(tavik::ui::DrawMode::Copy);
   blinkShown_ = !blinkShown_;

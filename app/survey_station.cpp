@@ -1,0 +1,129 @@
+#include "app/survey_station.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QTimer>
+
+#include "app/fitdialog.h"
+#include "app/mainfrm.h"
+#include "app/resectdlg.h"
+#include "app/stackout.h"
+#include "app/survey_panel.h"
+#include "app/userdialog.h"
+#include "core/app_state.h"
+#include "core/tables.h"
+#include "instruments/link.h"
+#include "procedures/import_obs.h"
+#include "procedures/observation_log.h"
+#include "procedures/observation_pipeline.h"
+
+namespace {
+// Dialogs live while shown and go when closed; the station forgets them at once.
+template <typename T>
+void ShowOwned(T*& slot, T* dlg) {
+  slot = dlg;
+  dlg->setAttribute(Qt::WA_DeleteOnClose);
+  QObject::connect(dlg, &QObject::destroyed, [&slot] { slot = nullptr; });
+  dlg->show();
+  dlg->raise();
+}
+}  // namespace
+
+SurveyStation::SurveyStation(MainFrm& frm, tavik::App& app, tavik::ui::Dialogs& dialogs,
+                             tavik::InstrumentState& inst, tavik::TotalStationLink& link)
+    : QObject(&frm),
+      panel_(new SurveyPanel(frm, app, inst, dialogs)),
+      ctx{app.doc, app.view, app.work, inst, survey, dialogs, *panel_,
+          tavik::obslog::NowText, {}},
+      frm_(frm),
+      app_(app) {
+  Wire(link);
+  AddMenus();
+}
+
+SurveyStation::~SurveyStation() = default;
+
+void SurveyStation::Wire(tavik::TotalStationLink& link) {
+  auto& l = ctx.link;
+  l.StartShot = [&link] { link.StartShot(); };
+  l.Send = [&link](tavik::Request r) { return link.Send(r); };
+  l.Write = [&link](tavik::Channel c, const std::string& bytes) {
+    if (!link.OpenChannel(c)) return false;
+    tavik::ui::SerialPort* p = c == tavik::Channel::Set ? link.MSComm_SET : link.MSComm_TOP;
+    if (p == nullptr) return false;
+    p->Output(bytes);
+    return true;
+  };
+  l.Close = [&link](tavik::Channel c) {
+    tavik::ui::SerialPort* p = c == tavik::Channel::Set ? link.MSComm_SET : link.MSComm_TOP;
+    if (p != nullptr && p->PortOpen()) p->Close();
+  };
+  l.StartTimer10 = [this, &link](int ms) {
+    QTimer::singleShot(ms, this, [&link] {
+      if (link.MSComm_SET != nullptr && link.MSComm_SET->PortOpen()) link.MSComm_SET->Output("*R\r");
+    });
+  };
+
+  link.receivers.StationShot = [this] {
+    if (userDialog_) userDialog_->Received();
+  };
+  link.receivers.PointShot = [this] { tavik::ReducePoint(ctx); };
+  link.receivers.FitShot = [this] {
+    if (fitDialog_) fitDialog_->DistanceReceived();
+  };
+  link.receivers.FitAngle = [this] {
+    if (fitDialog_) fitDialog_->AngleReceived();
+  };
+  link.receivers.StakeOutLine = [this](const std::string& line) {
+    if (stackOut_) stackOut_->SetLine(line);
+  };
+  panel_->OnRecord = [this] { tavik::RecButton(ctx); };
+  panel_->OnStop = [this, &link] {
+    link.StopShot();
+    panel_->SetEnabled("CmdSTOP", false);
+    panel_->SetEnabled("RecButton", true);
+  };
+}
+
+void SurveyStation::AddMenus() {
+  QMenu* mete = frm_.Menu("MainMnuMete");
+  if (mete == nullptr) return;
+  auto add = [&](const char* name, const char* caption, std::function<void()> run) {
+    QAction* a = mete->addAction(QString::fromUtf8(caption));
+    a->setObjectName(name);
+    connect(a, &QAction::triggered, this, [run = std::move(run)] { run(); });
+    return a;
+  };
+  add("MainMnuUserDialog", "空圖 -現地任意兩點開圖...", [this] { OpenUserDialog(); });
+  add("MainMnuFit", "擺站...", [this] { OpenFitDialog(); });
+  add("MainMnuResect", "後方交會...", [this] { OpenResectDlg(); });
+  add("MainMnuStackOut", "放樣...", [this] { OpenStackOut(); });
+  mete->addSeparator();
+  QAction* link = add("MainMnuAutoLink", "自動連線", [] {});
+  link->setCheckable(true);
+  connect(link, &QAction::toggled, this, [this](bool on) { survey.AutoLink = on ? tavik::kTrue : tavik::kFalse; });
+  add("ImportOBS", "匯入OBS檔...", [this] {
+    if (tavik::ImportOBS(ctx.dialogs, app_.paths.WorkFolder().string())) panel_->RedrawAll();
+  });
+}
+
+void SurveyStation::OpenUserDialog() {
+  if (!app_.doc.IsOpen() || userDialog_) return;
+  ShowOwned(userDialog_, new UserDialog(ctx, &frm_));
+}
+
+void SurveyStation::OpenFitDialog() {
+  if (!app_.doc.IsOpen() || fitDialog_) return;
+  ShowOwned(fitDialog_, new FitDialog(ctx, &frm_));
+}
+
+void SurveyStation::OpenResectDlg() {
+  if (!app_.doc.IsOpen() || resectDlg_) return;
+  ShowOwned(resectDlg_, new ResectDlg(ctx, MakePort ? MakePort() : nullptr, &frm_));
+}
+
+void SurveyStation::OpenStackOut() {
+  if (!app_.doc.IsOpen() || stackOut_ || ctx.inst.MeasureMode != "TS") return;
+  if (!tavik::StackOutLogic::CanOpen(ctx)) return;
+  ShowOwned(stackOut_, new StackOut(ctx, MakePort ? MakePort() : nullptr, &frm_));
+}

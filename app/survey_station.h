@@ -1,0 +1,67 @@
+// The survey commands of the main window: the panel with the record button, the
+// measure menu's set-up, resection and stake-out dialogs, and the receivers that the
+// total-station link calls when an answer arrives. It holds the pipeline's state and
+// the context the commands work on; the document, the view and the instrument link are
+// the program's.
+#pragma once
+
+#include <QObject>
+#include <functional>
+#include <memory>
+
+#include "procedures/survey_context.h"
+#include "procedures/survey_state.h"
+
+class MainFrm;
+class SurveyPanel;
+class UserDialog;
+class FitDialog;
+class ResectDlg;
+class StackOut;
+
+namespace tavik {
+struct App;
+class TotalStationLink;
+namespace ui {
+class SerialPort;
+}
+}  // namespace tavik
+
+class SurveyStation : public QObject {
+  Q_OBJECT
+ public:
+  SurveyStation(MainFrm& frm, tavik::App& app, tavik::ui::Dialogs& dialogs, tavik::InstrumentState& inst,
+                tavik::TotalStationLink& link);
+  ~SurveyStation() override;
+
+  // Makes the serial ports of the dialogs (the Qt port in the program, a fake in tests).
+  std::function<std::unique_ptr<tavik::ui::SerialPort>()> MakePort;
+
+  // The panel is made first: the context refers to it as the window.
+ private:
+  SurveyPanel* panel_;
+
+ public:
+  tavik::SurveyState survey;
+  tavik::SurveyContext ctx;
+  SurveyPanel* panel() const { return panel_; }
+
+  void OpenUserDialog();
+  void OpenFitDialog();
+  void OpenResectDlg();
+  void OpenStackOut();
+  UserDialog* userDialog() const { return userDialog_; }
+  FitDialog* fitDialog() const { return fitDialog_; }
+  StackOut* stackOut() const { return stackOut_; }
+
+ private:
+  void Wire(tavik::TotalStationLink& link);
+  void AddMenus();
+
+  MainFrm& frm_;
+  tavik::App& app_;
+  UserDialog* userDialog_ = nullptr;
+  FitDialog* fitDialog_ = nullptr;
+  ResectDlg* resectDlg_ = nullptr;
+  StackOut* stackOut_ = nullptr;
+};
