@@ -142,7 +142,7 @@ struct SurveyEndToEnd : testing::SurveyFixture {
     EXPECT_EQ(obs[1], "K1,1000.000,2000.000,50.000,1.50");
     EXPECT_EQ(obs[2].substr(0, 28), "B1,1100.000,2000.000,52.000,");
     for (int i = 1; i <= 10; ++i)
-      EXPECT_EQ(obs[2 + i].substr(obs[2 + i].size() - 27), num::Format(kPrisms[i].height, "0.00") +
+      EXPECT_EQ(obs[2 + i].substr(obs[2 + i].size() - 25), num::Format(kPrisms[i].height, "0.00") +
                                                                  ", 2026/11/21 08:00:00");
   }
 };
