@@ -4,6 +4,7 @@
 #include <QFont>
 #include <QScreen>
 #include <QTimer>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -21,8 +22,14 @@ int main(int argc, char** argv) {
   // --screenshot FILE.png: show the window, save a picture of it and end without the
   // exit questions (for checking the layout headless). --demo starts as usual.
   std::string screenshot;
+  bool demo = false;
+  std::string demoScene;
   for (int i = 1; i < argc; ++i) {
     if (std::strcmp(argv[i], "--screenshot") == 0 && i + 1 < argc) screenshot = argv[++i];
+    if (std::strcmp(argv[i], "--demo") == 0) {
+      demo = true;
+      if (i + 1 < argc && argv[i + 1][0] != '-') demoScene = argv[++i];
+    }
   }
 
   tavik::AppPaths paths = tavik::AppPaths::FromEnvironment();
@@ -39,6 +46,16 @@ int main(int argc, char** argv) {
   if (QScreen* screen = QGuiApplication::primaryScreen()) program.frm.setGeometry(screen->availableGeometry());
   program.frm.showMaximized();
   program.Start();
+  if (demo) {
+    // The simulator's scene: given, or $TAVIK_DEMO_SCENE, or the one in the source tree
+    // beside the build folder.
+    if (demoScene.empty()) {
+      const char* env = std::getenv("TAVIK_DEMO_SCENE");
+      demoScene = env ? env
+                      : (QCoreApplication::applicationDirPath() + "/../../tools/sim/demo.scene").toStdString();
+    }
+    program.OpenDemo(demoScene);
+  }
 
   if (!screenshot.empty()) {
     QTimer::singleShot(800, &program.frm, [&] {

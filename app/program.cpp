@@ -2,8 +2,11 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QFile>
 
 #include "app/gpsinitdlg.h"
+#include "app/survey_station.h"
+#include "procedures/demo_document.h"
 #include "view/document_view.h"
 #include "view/screen_tables.h"
 #include "view/transform.h"
@@ -54,6 +57,28 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
   };
   AddGpsInitCommand(frm, gpsDatum, app.ini, [] { return false; });  // no GNSS port yet
   h.Redraw = [](tavik::ui::Surface& s) { s.Clear(tavik::ui::MakeRgb(255, 255, 255)); };
+
+  survey = std::make_unique<SurveyStation>(frm, app, dialogs, instruments.inst, instruments.link);
+  survey->StartTimer10 = [this](int ms) {
+    instruments.Timer10.SetInterval(ms);
+    instruments.Timer10.SetEnabled(true);
+  };
+  instruments.ShowButtons = [this](bool cmdStop, bool recButton) {
+    survey->panel()->SetEnabled("CmdSTOP", cmdStop);
+    survey->panel()->SetEnabled("RecButton", recButton);
+  };
+  survey->MakePort = [this] { return std::make_unique<tavik::ui::QtSerialPort>(&store); };
+}
+
+Program::~Program() = default;
+
+void Program::OpenDemo(const std::string& scenePath) {
+  tavik::DemoScene scene = tavik::DefaultDemoScene();
+  if (QFile f(QString::fromStdString(scenePath)); f.open(QIODevice::ReadOnly)) {
+    if (auto read = tavik::ReadDemoScene(f.readAll().toStdString())) scene = *read;
+  }
+  const std::string path = (app.paths.WorkFolder() / "示範測量.SPC").string();
+  if (!app.doc.IsOpen() && tavik::WriteDemoDocument(scene, path, dialogs)) cycle.OpenFile(path);
 }
 
 void Program::Start() {

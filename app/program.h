@@ -14,6 +14,8 @@
 #include "platform/qt/qt_settings_store.h"
 #include "platform/qt/qt_timer.h"
 
+class SurveyStation;
+
 class Program {
  public:
   // `dialogs` replaces the Qt message boxes and file dialogs when given (tests).
@@ -31,4 +33,10 @@ class Program {
   tavik::DocumentCycle cycle;
   tavik::GpsDatumSettings gpsDatum;  // datum and meridian of the GNSS conversion
   InstrumentLink instruments{frm, dialogs, &store};  // the total station: state, ports, link, robotic panel
+  // Set-up, shots, resection and stake-out.
+  std::unique_ptr<SurveyStation> survey;
+
+  ~Program();
+  // --demo: a fresh demo document from the simulator's scene file, opened at once.
+  void OpenDemo(const std::string& scenePath);
 };

@@ -58,10 +58,8 @@ void SurveyStation::Wire(tavik::TotalStationLink& link) {
     tavik::ui::SerialPort* p = c == tavik::Channel::Set ? link.MSComm_SET : link.MSComm_TOP;
     if (p != nullptr && p->PortOpen()) p->Close();
   };
-  l.StartTimer10 = [this, &link](int ms) {
-    QTimer::singleShot(ms, this, [&link] {
-      if (link.MSComm_SET != nullptr && link.MSComm_SET->PortOpen()) link.MSComm_SET->Output("*R\r");
-    });
+  l.StartTimer10 = [this](int ms) {
+    if (StartTimer10) StartTimer10(ms);
   };
 
   link.receivers.StationShot = [this] {

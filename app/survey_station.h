@@ -36,6 +36,8 @@ class SurveyStation : public QObject {
 
   // Makes the serial ports of the dialogs (the Qt port in the program, a fake in tests).
   std::function<std::unique_ptr<tavik::ui::SerialPort>()> MakePort;
+  // Timer10 of the main window: a one-shot that ends a robotic turn with "*R".
+  std::function<void(int milliseconds)> StartTimer10;
 
   // The panel is made first: the context refers to it as the window.
  private:

@@ -35,6 +35,16 @@ std::optional<DemoScene> ReadDemoScene(const std::string& content) {
   return scene;
 }
 
+DemoScene DefaultDemoScene() {
+  return *ReadDemoScene(
+      "station 1000.000 2000.000 50.000 1.500\n"
+      "target P1 1050.000 2050.000 51.200 1.500\n"
+      "target P2 1080.500 1990.250 49.870 1.500\n"
+      "target P3 1012.340 1925.660 50.450 1.500\n"
+      "target P4 950.120 1960.000 52.010 1.500\n"
+      "target P5 975.000 2075.500 48.300 1.500\n");
+}
+
 bool WriteDemoDocument(const DemoScene& scene, const std::string& spcPath, ui::Dialogs& dialogs) {
   Document doc;
   std::string name = spcPath;

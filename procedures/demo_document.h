@@ -22,6 +22,9 @@ struct DemoScene {
 // "#" comments. nullopt when there is no station line or a line cannot be read.
 std::optional<DemoScene> ReadDemoScene(const std::string& text);
 
+// The scene shipped with the simulator, for when its file is not at hand.
+DemoScene DefaultDemoScene();
+
 // Writes a topographic document at `spcPath` holding the station (named "K1") and every
 // target as a control point of legend 113, with the view on their middle.
 bool WriteDemoDocument(const DemoScene& scene, const std::string& spcPath, ui::Dialogs& dialogs);
