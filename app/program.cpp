@@ -5,6 +5,7 @@
 #include <QFile>
 
 #include "app/gpsinitdlg.h"
+#include "app/survey_panel.h"
 #include "app/survey_station.h"
 #include "procedures/demo_document.h"
 #include "view/document_view.h"
