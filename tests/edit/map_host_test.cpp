@@ -58,6 +58,15 @@ TEST_F(OnTheMap, ZoomWindowAndPanChangeTheView) {
   EXPECT_EQ(view.ViewHistoryCount, 2);
 }
 
+TEST_F(OnTheMap, AZoomWindowOfNoSizeGivesScaleOne) {
+  editor.Toolbar1Click("ZW");
+  editor.MouseDownAt(LeftButton, 1002, 2003);
+  editor.MouseUpAt(LeftButton, 1002, 2003);
+  EXPECT_EQ(doc.ScaleDenominator, 1);
+  EXPECT_NEAR(doc.ViewCentreE, 1002, 0.05);
+  EXPECT_EQ(editor.Ptr.ActionMode, "");
+}
+
 TEST_F(OnTheMap, ModesOfLaterSubsystemsTakeTheirPlugs) {
   std::vector<std::pair<PlugEvent, double>> got;
   mapHost.Plugs["STKOUT"] = [&](PlugEvent ev, double E, double) {
