@@ -83,15 +83,8 @@ class EditWiring::Host : public tavik::edit::MapHost {
     QObject::connect(menu.addAction("平移複製(OFFSET)"), &QAction::triggered, [&ed, row] { ed.StartOffset(row); });
     menu.exec(QCursor::pos());
   }
-  void FrameCommand(const std::string& key) override {
-    auto& cycle = w_.program_.cycle;
-    if (key == "開新圖")
-      cycle.New();
-    else if (key == "開啟舊圖")
-      cycle.Open();
-    else if (key == "快速存檔")
-      cycle.Save();
-  }
+  void FrameCommand(const std::string& key) override { Run(key); }
+  void Measure() override { Run("Measure"); }
   void ShowManual() override { w_.ShowHotKeys(); }
   void ModeChanged(const std::string& mode) override {
     for (QToolBar* bar : {w_.toolbar1_, w_.toolbar2_}) {
@@ -102,6 +95,10 @@ class EditWiring::Host : public tavik::edit::MapHost {
   }
 
  private:
+  void Run(const std::string& key) {
+    const auto it = w_.FrameCommands.find(key);
+    if (it != w_.FrameCommands.end() && it->second) it->second();
+  }
   void Show() {
     w_.program_.frm.statusBar()->showMessage(Q(prompt_.empty() ? readout_ : prompt_ + "    " + readout_));
   }
@@ -124,6 +121,9 @@ EditWiring::EditWiring(Program& program)
   editor_ = std::make_unique<tavik::edit::Editor>(app.doc, app.view, app.work, program_.dialogs, paper_, *host_);
 
   auto& cycle = program_.cycle;
+  FrameCommands["開新圖"] = [&cycle] { cycle.New(); };
+  FrameCommands["開啟舊圖"] = [&cycle] { cycle.Open(); };
+  FrameCommands["快速存檔"] = [&cycle] { cycle.Save(); };
   cycle.hooks.ResetPointer = [this] { editor_->Reset(); };
   program_.frm.handlers.Redraw = [this](tavik::ui::Surface&) {
     canvas_->ResetClip();

@@ -9,7 +9,10 @@
 #pragma once
 
 #include <QObject>
+#include <functional>
+#include <map>
 #include <memory>
+#include <string>
 
 #include "app/program.h"
 #include "edit/editor.h"
@@ -63,6 +66,10 @@ class EditWiring : public QObject {
   QToolBar* Toolbar2() const { return toolbar2_; }
   // The window "快捷鍵速覽".
   void ShowHotKeys();
+  // What the Toolbar1 buttons of other parts of the program do, by key ("連接COM1",
+  // "接收資料", "輸入座標" ...), and "Measure" for the Space key. New, Open and the quick
+  // save are set here; a key with no entry does nothing.
+  std::map<std::string, std::function<void()>> FrameCommands;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;

@@ -87,7 +87,7 @@ class EditWindowTest : public QObject {
     QVERIFY(paper->Surface().Image() == img);
     QCOMPARE(LiveLines(p.app.doc), 4);
 
-    p.frm.Command("MainMnuSave")->trigger();
+    QTest::keyClick(paper, Qt::Key_F2);  // the quick save
     QVERIFY(std::filesystem::exists(name + ".SPC"));
     QVERIFY(p.cycle.Close());
     QVERIFY(!p.app.doc.IsOpen());
