@@ -48,9 +48,9 @@ int KeyCode(int qtKey) {
 }  // namespace
 
 // The window's half of the editor's host.
-class EditWiring::Host : public tavik::edit::MapHost {
+class EditWiring::WindowHost : public tavik::edit::MapHost {
  public:
-  Host(tavik::view::MapCanvas& canvas, EditWiring& w) : MapHost(canvas), w_(w) {}
+  WindowHost(tavik::view::MapCanvas& canvas, EditWiring& w) : MapHost(canvas), w_(w) {}
 
   void SetPrompt(const std::string& p) override {
     prompt_ = p;
@@ -117,7 +117,7 @@ EditWiring::EditWiring(Program& program)
     tavik::RebuildScreenEntities(app.doc, app.view);
   };
   canvas_->WriteRecoveryHeader = [&app] { app.work.WriteRecoveryHeader(app.doc); };
-  host_ = std::make_unique<Host>(*canvas_, *this);
+  host_ = std::make_unique<WindowHost>(*canvas_, *this);
   editor_ = std::make_unique<tavik::edit::Editor>(app.doc, app.view, app.work, program_.dialogs, paper_, *host_);
 
   auto& cycle = program_.cycle;
@@ -133,9 +133,14 @@ EditWiring::EditWiring(Program& program)
   program_.frm.installEventFilter(this);
   BuildToolbars();
   BuildMenus();
+  program_.edit = this;
 }
 
-EditWiring::~EditWiring() = default;
+EditWiring::~EditWiring() {
+  if (program_.edit == this) program_.edit = nullptr;
+}
+
+tavik::edit::EditHost& EditWiring::Host() { return *host_; }
 
 void EditWiring::BuildToolbars() {
   struct B {

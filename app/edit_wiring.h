@@ -61,6 +61,7 @@ class EditWiring : public QObject {
   ~EditWiring() override;
 
   tavik::edit::Editor& Editor() { return *editor_; }
+  tavik::edit::EditHost& Host();
   tavik::view::MapCanvas& Canvas() { return *canvas_; }
   QToolBar* Toolbar1() const { return toolbar1_; }
   QToolBar* Toolbar2() const { return toolbar2_; }
@@ -75,7 +76,7 @@ class EditWiring : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  class Host;
+  class WindowHost;
   void BuildToolbars();
   void BuildMenus();
 
@@ -83,7 +84,7 @@ class EditWiring : public QObject {
   tavik::view::Display display_;
   PaperSurface paper_;
   std::unique_ptr<tavik::view::MapCanvas> canvas_;
-  std::unique_ptr<Host> host_;
+  std::unique_ptr<WindowHost> host_;
   std::unique_ptr<tavik::edit::Editor> editor_;
   QToolBar* toolbar1_ = nullptr;
   QToolBar* toolbar2_ = nullptr;

@@ -16,6 +16,8 @@
 
 class SurveyStation;
 
+class EditWiring;
+
 class Program {
  public:
   // `dialogs` replaces the Qt message boxes and file dialogs when given (tests).
@@ -35,6 +37,9 @@ class Program {
   InstrumentLink instruments{frm, dialogs, &store};  // the total station: state, ports, link, robotic panel
   // Set-up, shots, resection and stake-out.
   std::unique_ptr<SurveyStation> survey;
+  // The pen on the map (pointer machine, keys, toolbars), once made; other parts plug
+  // their pointer modes into edit->Host().Plugs and start them with edit->Editor().
+  EditWiring* edit = nullptr;
 
   ~Program();
   // --demo: a fresh demo document from the simulator's scene file, opened at once.
