@@ -124,7 +124,11 @@ EditWiring::EditWiring(Program& program)
   FrameCommands["開新圖"] = [&cycle] { cycle.New(); };
   FrameCommands["開啟舊圖"] = [&cycle] { cycle.Open(); };
   FrameCommands["快速存檔"] = [&cycle] { cycle.Save(); };
-  cycle.hooks.ResetPointer = [this] { editor_->Reset(); };
+  // New, Open, Save and Close end any pointer command and start a fresh view history.
+  cycle.hooks.ResetPointer = [this] {
+    editor_->Reset();
+    tavik::view::ClearViewHistory(program_.app.view, program_.frm);
+  };
   program_.frm.handlers.Redraw = [this](tavik::ui::Surface&) {
     canvas_->ResetClip();
     tavik::view::RedrawAll(*canvas_);
