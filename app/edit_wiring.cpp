@@ -133,6 +133,14 @@ EditWiring::EditWiring(Program& program)
     canvas_->ResetClip();
     tavik::view::RedrawAll(*canvas_);
   };
+  // A scroll bar moves the centre by the fast path while it is held. Paper1 here keeps
+  // the visible area only, so letting go runs the full tail and fills the picture again.
+  program_.frm.handlers.HScroll = [this](int v) { tavik::view::HScrollTo(*canvas_, v); };
+  program_.frm.handlers.VScroll = [this](int v) { tavik::view::VScrollTo(*canvas_, v); };
+  program_.frm.handlers.ScrollDone = [this] {
+    tavik::view::AfterViewChange(*canvas_);
+    program_.frm.Paper1()->update();
+  };
   program_.frm.Paper1()->installEventFilter(this);
   program_.frm.installEventFilter(this);
   BuildToolbars();

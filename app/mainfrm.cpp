@@ -1,9 +1,13 @@
 #include "app/mainfrm.h"
 
+#include <cmath>
+
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QToolBar>
 #include <QFrame>
+#include <QGridLayout>
+#include <QScrollBar>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -30,7 +34,35 @@ MainFrm::MainFrm(QWidget* parent) : QMainWindow(parent) {
     else
       RedrawPaper();
   };
-  row->addWidget(paper_, 1);
+  // Paper1 with its scroll bars HScroll1 and VScroll1, 0 to 100 across the paper.
+  auto* board = new QWidget(central);
+  auto* grid = new QGridLayout(board);
+  grid->setContentsMargins(0, 0, 0, 0);
+  grid->setSpacing(0);
+  hScroll_ = new QScrollBar(Qt::Horizontal, board);
+  hScroll_->setObjectName("HScroll1");
+  vScroll_ = new QScrollBar(Qt::Vertical, board);
+  vScroll_->setObjectName("VScroll1");
+  for (QScrollBar* bar : {hScroll_, vScroll_}) {
+    bar->setRange(0, 100);
+    bar->setValue(50);
+  }
+  for (QScrollBar* bar : {hScroll_, vScroll_}) {
+    connect(bar, &QScrollBar::valueChanged, this, [this, bar](int v) {
+      if (settingBars_) return;
+      auto& move = bar == hScroll_ ? handlers.HScroll : handlers.VScroll;
+      if (move) move(v);
+      if (!bar->isSliderDown() && handlers.ScrollDone) handlers.ScrollDone();
+    });
+    connect(bar, &QScrollBar::sliderReleased, this, [this] {
+      if (handlers.ScrollDone) handlers.ScrollDone();
+    });
+  }
+  paper_->setParent(board);
+  grid->addWidget(paper_, 0, 0);
+  grid->addWidget(vScroll_, 0, 1);
+  grid->addWidget(hScroll_, 1, 0);
+  row->addWidget(board, 1);
   instFrame_ = new QFrame(central);
   row->addWidget(instFrame_);
   setCentralWidget(central);
@@ -249,4 +281,45 @@ void MainFrm::closeEvent(QCloseEvent* e) {
     return;
   }
   e->accept();
+}
+
+// Toolbar1's buttons by their index, as the map view names them.
+QAction* MainFrm::ToolbarButton(int index) const {
+  const char* key = nullptr;
+  switch (index) {
+    case tavik::view::ButtonZoomWindow: key = "ZW"; break;
+    case tavik::view::ButtonZoomPrevious: key = "ZP"; break;
+    case tavik::view::ButtonGrid: key = "DispGrid"; break;
+    case tavik::view::ButtonElevations: key = "SwitchEle"; break;
+    default: return nullptr;
+  }
+  return findChild<QAction*>(key);
+}
+
+void MainFrm::SetToolbarButton(int index, bool enabled) {
+  if (QAction* a = ToolbarButton(index)) a->setEnabled(enabled);
+}
+
+void MainFrm::SetToolbarPressed(int index, bool pressed) {
+  if (QAction* a = ToolbarButton(index)) {
+    a->setCheckable(true);
+    a->setChecked(pressed);
+  }
+}
+
+void MainFrm::SetToolbarToolTip(int index, const std::string& text) {
+  if (QAction* a = ToolbarButton(index)) a->setToolTip(QString::fromStdString(text));
+}
+
+void MainFrm::PlacePaper(float left, float top) {
+  // Paper1 keeps the visible area only; its resting place is -1.5 viewports.
+  const float w = static_cast<float>(paper_->width()), h = static_cast<float>(paper_->height());
+  paper_->SetShift(static_cast<int>(std::lround(left + 1.5f * w)), static_cast<int>(std::lround(top + 1.5f * h)));
+}
+
+void MainFrm::SetScrollBars(int h, int v) {
+  settingBars_ = true;
+  hScroll_->setValue(h);
+  vScroll_->setValue(v);
+  settingBars_ = false;
 }

@@ -46,6 +46,11 @@ class MainFrm : public QMainWindow, public tavik::FrameWindow, public tavik::vie
   // live marker come with the parts of the window that own them.
   void SetStatusPanel(int panel, const std::string& text) override { SetPanel(panel, text); }
   void SetLabel(const std::string& name, const std::string& text) override;
+  void SetToolbarButton(int index, bool enabled) override;
+  void SetToolbarPressed(int index, bool pressed) override;
+  void SetToolbarToolTip(int index, const std::string& text) override;
+  void PlacePaper(float left, float top) override;
+  void SetScrollBars(int h, int v) override;
 
   // Combo1 and Combo2 of the fine-move toolbar: the shift and rotation steps that the
   // whole-map transforms use, remembered in Software.ini by their text.
@@ -67,6 +72,8 @@ class MainFrm : public QMainWindow, public tavik::FrameWindow, public tavik::vie
     std::function<bool()> Exit;           // false keeps the program running
     std::function<void(tavik::ui::Surface&)> Redraw;  // paints the map onto Paper1's surface
     std::function<void()> Resized;                    // Paper1 took a new size
+    std::function<void(int)> HScroll, VScroll;        // the user moved HScroll1 or VScroll1
+    std::function<void()> ScrollDone;                 // ... and let go of it
 
   } handlers;
 
@@ -82,6 +89,10 @@ class MainFrm : public QMainWindow, public tavik::FrameWindow, public tavik::vie
   void BuildFineMoveToolbar();
 
   PaperWidget* paper_ = nullptr;
+  QAction* ToolbarButton(int index) const;
+  class QScrollBar* hScroll_ = nullptr;
+  class QScrollBar* vScroll_ = nullptr;
+  bool settingBars_ = false;
   QComboBox* combo1_ = nullptr;
   QComboBox* combo2_ = nullptr;
   QFrame* instFrame_ = nullptr;

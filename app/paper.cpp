@@ -13,7 +13,15 @@ PaperWidget::PaperWidget(QWidget* parent) : QWidget(parent) {
 
 void PaperWidget::paintEvent(QPaintEvent*) {
   QPainter p(this);
-  p.drawImage(0, 0, surface_.Image());
+  if (dx_ != 0 || dy_ != 0) p.fillRect(rect(), Qt::white);
+  p.drawImage(dx_, dy_, surface_.Image());
+}
+
+void PaperWidget::SetShift(int dx, int dy) {
+  if (dx == dx_ && dy == dy_) return;
+  dx_ = dx;
+  dy_ = dy;
+  update();
 }
 
 void PaperWidget::resizeEvent(QResizeEvent* e) {
