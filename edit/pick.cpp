@@ -123,8 +123,10 @@ PickHit Editor::PickPoint(float x, float y, float side) const {
     const Entity& e = doc.ScreenEntityTable[i];
     if (e.Deleted) continue;
     const int n = UsedVertices(e.Kind);
+    // An area label keeps the area in its H: it is no height.
+    const bool heightless = e.Kind == KindPoint && e.Code == 13;
     for (int v = 0; v < n; ++v)
-      if (box.Has(e.X[v], e.Y[v])) return {true, e.X[v], e.Y[v], e.Z[v]};
+      if (box.Has(e.X[v], e.Y[v])) return {true, e.X[v], e.Y[v], heightless ? 0.0 : e.Z[v]};
   }
   return {};
 }

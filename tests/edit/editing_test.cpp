@@ -207,6 +207,20 @@ TEST_F(Editing, NamedSymbolsNumbersAndNotes) {
   EXPECT_EQ(doc.EntityCount, before);
 }
 
+TEST_F(Editing, AVertexPickTakesItsHeightButAnAreaLabelHasNone) {
+  ASSERT_TRUE(AddEntity(doc, view, work, 13, 1003, 2003, 78.5, ""));
+  ASSERT_TRUE(AddEntity(doc, view, work, 301, KindLine, 1006, 2006, 4.5, 1010, 2006, 6, 0, 0, 0, ""));
+  doc.CurrentLegend = 605;
+  ed.Toolbar2Click(mode::Symbol);
+  dialogs.inputs = {"1", "2"};
+  Click(1003, 2003);
+  Click(1006, 2006);
+  ASSERT_EQ(doc.EntityCount, 4);
+  EXPECT_EQ(doc.EntityTable[2].Z[0], 0);
+  EXPECT_EQ(doc.EntityTable[3].Z[0], 4.5);
+  EXPECT_EQ(doc.EntityTable[3].X[0], 1006);
+}
+
 TEST_F(Editing, RightClickInquiryNamesTheNearestEntity) {
   Line(1000, 2000, 1010, 2000, 407);
   Named(1020, 2000, "K5");
