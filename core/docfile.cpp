@@ -97,7 +97,7 @@ class Bytes {
 
  private:
   void Fill(uint64_t off) {
-    if (window_.empty()) window_.resize(kWindow);
+    if (window_.empty()) window_.resize(static_cast<std::size_t>(std::clamp<uint64_t>(size_, kMinWindow, kWindow)));
     start_ = off;
     filled_ = 0;
     while (filled_ < window_.size() && off < size_) {
@@ -110,6 +110,7 @@ class Bytes {
   }
 
   static constexpr std::size_t kWindow = 4 << 20;
+  static constexpr std::size_t kMinWindow = 256;  // at least the largest record
   int fd_ = -1;
   uint64_t size_ = 0;
   std::string window_;

@@ -22,6 +22,7 @@ bool WorkFiles::CreateEmpty() {
   ok = io::WriteNewFile(paths_.TempBM(), "") && ok;
   io::SyncFolder(paths_.Home);
   pointBehind_ = entityBehind_ = false;
+  bothJournals_ = ok;
   return ok;
 }
 
@@ -30,6 +31,14 @@ void WorkFiles::RemoveAll() {
   io::RemoveQuietly(paths_.TempS0());
   io::RemoveQuietly(paths_.TempBM());
   pointBehind_ = entityBehind_ = false;
+  bothJournals_ = false;
+}
+
+void WorkFiles::EnsureBothJournals() {
+  if (bothJournals_) return;
+  // An append of nothing creates a missing file and leaves an existing one alone.
+  bothJournals_ = io::AppendDurably(paths_.TempP0(), "") && io::AppendDurably(paths_.TempS0(), "");
+  io::SyncFolder(paths_.Home);
 }
 
 namespace {
@@ -134,24 +143,28 @@ std::vector<Row> ReadJournal(const fs::path& path, Parse parse) {
 }  // namespace
 
 bool WorkFiles::AppendPointWorkFile(const Point& p) {
+  EnsureBothJournals();
   bool ok = io::AppendDurably(paths_.TempP0(), FileLine(PointWorkLine(p)));
   if (!ok) pointBehind_ = true;
   return ok;
 }
 
 bool WorkFiles::AppendEntityWorkFile(const Entity& e) {
+  EnsureBothJournals();
   bool ok = io::AppendDurably(paths_.TempS0(), FileLine(EntityWorkLine(e)));
   if (!ok) entityBehind_ = true;
   return ok;
 }
 
 bool WorkFiles::WritePointWorkFile(const Document& doc) {
+  EnsureBothJournals();
   bool ok = io::ReplaceDurably(paths_.TempP0(), AllLines(doc.PointTable, doc.PointCount, PointWorkLine));
   pointBehind_ = !ok;
   return ok;
 }
 
 bool WorkFiles::WriteEntityWorkFile(const Document& doc) {
+  EnsureBothJournals();
   bool ok = io::ReplaceDurably(paths_.TempS0(), AllLines(doc.EntityTable, doc.EntityCount, EntityWorkLine));
   entityBehind_ = !ok;
   return ok;

@@ -27,7 +27,10 @@ class WorkFiles {
   void RemoveAll();
 
   // One line appended and flushed to disk. False (disk full, folder gone) leaves the
-  // file as it was; the caller keeps the record in its table and may warn.
+  // file as it was; the caller keeps the record in its table and may warn. The first
+  // append after a save or an open also creates the other journal empty: start-up
+  // recovers only when both are there, and a point measured after a save must not be
+  // lost for want of an entity.
   bool AppendPointWorkFile(const Point& p);
   bool AppendEntityWorkFile(const Entity& e);
 
@@ -61,7 +64,10 @@ class WorkFiles {
   const AppPaths& Paths() const { return paths_; }
 
  private:
+  void EnsureBothJournals();
+
   AppPaths paths_;
+  bool bothJournals_ = false;
   bool pointBehind_ = false;
   bool entityBehind_ = false;
 };

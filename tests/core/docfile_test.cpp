@@ -420,10 +420,12 @@ TEST_F(DocFileTest, RandomBytesNeverCrashTheLoader) {
     ASSERT_TRUE(ReadOldDocument(old, dialogs));
     EXPECT_LE(old.PointTable.size(), junk.size() / 24 + 1);
     EXPECT_LE(old.EntityTable.size() + old.BaseMapTable.size(), junk.size() / 108 + 1);
-    Document merged;
-    SetDocumentName(merged, Name("open"));
-    MergeDocumentRecords(merged, wf, d.SpcPath, dialogs);
-    EXPECT_LE(merged.PointTable.size(), junk.size() / 24 + 1);
+    if (round % 8 == 0) {  // a merge rewrites the journals, flushed: fewer rounds
+      Document merged;
+      SetDocumentName(merged, Name("open"));
+      MergeDocumentRecords(merged, wf, d.SpcPath, dialogs);
+      EXPECT_LE(merged.PointTable.size(), junk.size() / 24 + 1);
+    }
   }
 }
 
