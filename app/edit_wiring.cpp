@@ -316,3 +316,5 @@ bool EditWiring::eventFilter(QObject* watched, QEvent* event) {
   }
   return false;
 }
+
+tavik::edit::EditHost& EditWiring::HostOf() { return *host_; }
