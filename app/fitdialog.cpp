@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 namespace {
@@ -65,8 +66,14 @@ FitDialog::FitDialog(tavik::SurveyContext& ctx, QWidget* parent) : QDialog(paren
   command3_->setEnabled(logic_.MeasureButtonsEnabled());
   command4_->setEnabled(logic_.MeasureButtonsEnabled());
   command5_->setVisible(logic_.Command5Visible());
+  auto* pick1 = new QPushButton("框選測站", this);
+  pick1->setObjectName("Command1");
+  auto* pick2 = new QPushButton("框選後視", this);
+  pick2->setObjectName("Command2");
+  connect(pick1, &QPushButton::clicked, this, [this] { if (StartPick) StartPick("FIT"); });
+  connect(pick2, &QPushButton::clicked, this, [this] { if (StartPick) StartPick("FIT2"); });
   auto* row = new QHBoxLayout;
-  for (QPushButton* b : {command3_, command4_, command5_, command6_, ok, cancel}) {
+  for (QPushButton* b : {pick1, pick2, command3_, command4_, command5_, command6_, ok, cancel}) {
     b->setAutoDefault(false);
     row->addWidget(b);
   }
@@ -119,6 +126,16 @@ void FitDialog::DistanceReceived() {
 
 void FitDialog::AngleReceived() {
   logic_.AngleReceiver();
+  Push();
+}
+
+void FitDialog::Pick(double x, double y, bool backsight) {
+  if (logic_.PickFit(x, y, backsight)) {
+    QComboBox* combo = backsight ? combo2_ : combo1_;
+    const QString name = QString::fromStdString(backsight ? logic_.BacksightChosenName() : logic_.StationChosenName());
+    const QSignalBlocker block(combo);
+    combo->setCurrentText(name);
+  }
   Push();
 }
 

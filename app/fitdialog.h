@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QDialog>
+#include <functional>
 
 #include "procedures/fit_dialog.h"
 
@@ -17,6 +18,9 @@ class FitDialog : public QDialog {
   tavik::FitDialogLogic& Logic() { return logic_; }
   void DistanceReceived();
   void AngleReceived();
+  // 框選: the next click on the map chooses the station ("FIT") or backsight ("FIT2").
+  std::function<void(const std::string& mode)> StartPick;
+  void Pick(double x, double y, bool backsight);
 
  protected:
   void reject() override;

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "app/edit_wiring.h"
+#include "app/survey_station.h"
 #include "app/program.h"
 #include "core/app_paths.h"
 #include "core/instance_lock.h"
@@ -41,6 +42,7 @@ int main(int argc, char** argv) {
 
   Program program(paths);
   EditWiring edit(program);
+  program.survey->ConnectEditor(edit.Editor(), edit.HostOf());
   // Maximised to the desktop's work area; set by hand too, for desktops without a
   // window manager to honour the request.
   if (QScreen* screen = QGuiApplication::primaryScreen()) program.frm.setGeometry(screen->availableGeometry());

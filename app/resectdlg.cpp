@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 namespace {
@@ -49,6 +50,11 @@ ResectDlg::ResectDlg(tavik::SurveyContext& ctx, std::unique_ptr<tavik::ui::Seria
     grid->addWidget(v_[i], 5, i + 1);
     grid->addWidget(status_[i], 6, i + 1);
     grid->addWidget(note_[i], 7, i + 1);
+    auto* pick = new QPushButton("框選", this);
+    pick->setObjectName(i == 0 ? "Command1" : "Command4");
+    pick->setAutoDefault(false);
+    grid->addWidget(pick, 8, i + 1);
+    connect(pick, &QPushButton::clicked, this, [this, i] { if (StartPick) StartPick(i); });
     connect(combo_[i], &QComboBox::currentTextChanged, this, [this, i](const QString& t) {
       if (t.isEmpty()) return;
       if (!logic_->Choose(i, t.toStdString())) combo_[i]->setCurrentIndex(0);
@@ -112,6 +118,14 @@ ResectDlg::ResectDlg(tavik::SurveyContext& ctx, std::unique_ptr<tavik::ui::Seria
 }
 
 ResectDlg::~ResectDlg() { logic_.reset(); }
+
+void ResectDlg::Pick(int slot, double x, double y) {
+  if (logic_->Pick(slot, x, y)) {
+    const QSignalBlocker block(combo_[slot]);
+    combo_[slot]->setCurrentText(QString::fromStdString(logic_->slot[slot].Name));
+  }
+  Push();
+}
 
 void ResectDlg::Pull() {
   logic_->StationNameText = name_->text().toStdString();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QDialog>
+#include <functional>
 #include <memory>
 
 #include "platform/serial.h"
@@ -18,6 +19,9 @@ class ResectDlg : public QDialog {
   ResectDlg(tavik::SurveyContext& ctx, std::unique_ptr<tavik::ui::SerialPort> port, QWidget* parent = nullptr);
   ~ResectDlg() override;
   tavik::ResectDlgLogic& Logic() { return *logic_; }
+  // 框選: the next click on the map chooses point `slot`.
+  std::function<void(int slot)> StartPick;
+  void Pick(int slot, double x, double y);
 
  private:
   void Pull();

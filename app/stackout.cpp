@@ -84,7 +84,13 @@ StackOut::StackOut(tavik::SurveyContext& ctx, std::unique_ptr<tavik::ui::SerialP
   col->addLayout(form);
   col->addLayout(row);
   connect(name_, &QLineEdit::returnPressed, this, &StackOut::PickByName);
-  connect(pick, &QPushButton::clicked, this, &StackOut::PickByName);
+  connect(pick, &QPushButton::clicked, this, [this] {
+    if (StartPick) {
+      StartPick("STKOUT");
+    } else {
+      PickByName();
+    }
+  });
   connect(label6_, &QPushButton::clicked, this, [this] { logic_->Turn(); });
   connect(readTS_, &QPushButton::clicked, this, [this] {
     logic_->ReadTS();

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QDialog>
+#include <functional>
 #include <memory>
 
 #include "platform/serial.h"
@@ -22,6 +23,8 @@ class StackOut : public QDialog {
   void SetLine(const std::string& line);
   // A click on the map at pixel (x, y) of Paper1.
   void Pick(double x, double y);
+  // 點選: the next click on the map picks the target ("STKOUT").
+  std::function<void(const std::string& mode)> StartPick;
 
  protected:
   void reject() override;

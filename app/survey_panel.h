@@ -33,6 +33,7 @@ class SurveyPanel : public QDockWidget, public tavik::SurveyWindow {
   std::function<void()> OnRecord, OnStop;
   // Joins two measured points with the current legend (the entity commands' routine).
   std::function<void(double, double, double, double, double, double)> OnLink;
+  std::function<void()> OnPointStored;
 
   void SetText(const std::string& control, const std::string& text) override;
   void SetEnabled(const std::string& control, bool enabled) override;
@@ -53,6 +54,9 @@ class SurveyPanel : public QDockWidget, public tavik::SurveyWindow {
   int16_t ShowCadastralDialog(std::string& pointName) override;
   void UnloadCadastralDialog() override {}
   bool ShowKeyedObservation() override;
+  void PointStored() override {
+    if (OnPointStored) OnPointStored();
+  }
 
   QString Text(const std::string& control) const;
 

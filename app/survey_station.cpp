@@ -12,6 +12,7 @@
 #include "app/userdialog.h"
 #include "core/app_state.h"
 #include "core/tables.h"
+#include "edit/editor.h"
 #include "instruments/link.h"
 #include "procedures/import_obs.h"
 #include "procedures/observation_log.h"
@@ -108,20 +109,87 @@ void SurveyStation::AddMenus() {
 void SurveyStation::OpenUserDialog() {
   if (!app_.doc.IsOpen() || userDialog_) return;
   ShowOwned(userDialog_, new UserDialog(ctx, &frm_));
+  userDialog_->StartPick = [this](const std::string& mode) { StartPick(userDialog_, mode); };
 }
 
 void SurveyStation::OpenFitDialog() {
   if (!app_.doc.IsOpen() || fitDialog_) return;
   ShowOwned(fitDialog_, new FitDialog(ctx, &frm_));
+  fitDialog_->StartPick = [this](const std::string& mode) { StartPick(fitDialog_, mode); };
 }
 
 void SurveyStation::OpenResectDlg() {
   if (!app_.doc.IsOpen() || resectDlg_) return;
   ShowOwned(resectDlg_, new ResectDlg(ctx, MakePort ? MakePort() : nullptr, &frm_));
+  resectDlg_->StartPick = [this](int slot) {
+    resectSlot_ = slot;
+    StartPick(resectDlg_, "RESECT_BS");
+  };
 }
 
 void SurveyStation::OpenStackOut() {
   if (!app_.doc.IsOpen() || stackOut_ || ctx.inst.MeasureMode != "TS") return;
   if (!tavik::StackOutLogic::CanOpen(ctx)) return;
   ShowOwned(stackOut_, new StackOut(ctx, MakePort ? MakePort() : nullptr, &frm_));
+  stackOut_->StartPick = [this](const std::string& mode) { StartPick(stackOut_, mode); };
+}
+
+void SurveyStation::StartPick(QDialog* dialog, const std::string& mode) {
+  if (editor_ == nullptr || dialog == nullptr) return;
+  dialog->hide();
+  editor_->StartCommand(mode);
+}
+
+// The pick is over: the command ends and the dialog comes back.
+bool SurveyStation::Picked(QDialog* dialog) {
+  if (editor_) editor_->Reset();
+  if (dialog) {
+    dialog->show();
+    dialog->raise();
+  }
+  return true;
+}
+
+void SurveyStation::ConnectEditor(tavik::edit::Editor& editor, tavik::edit::EditHost& host) {
+  editor_ = &editor;
+  panel_->OnLink = [&editor](double E1, double N1, double H1, double E2, double N2, double H2) {
+    if (!editor.AutoJoin) editor.AddLine(E1, N1, H1, E2, N2, H2);
+  };
+  panel_->OnPointStored = [&editor] { editor.MeasuredPointAdded(); };
+  using tavik::edit::PlugEvent;
+  auto pixel = [this](double E, double N) {
+    float x = 0, y = 0;
+    tavik::WorldToPaper(app_.view, app_.doc.ScaleDenominator, E, N, x, y);
+    return std::pair<double, double>(x + 1, y + 1);
+  };
+  host.Plugs["STKOUT"] = [this, pixel](PlugEvent e, double E, double N) {
+    if (e != PlugEvent::Press || !stackOut_) return false;
+    const auto [x, y] = pixel(E, N);
+    Picked(stackOut_);
+    stackOut_->Pick(x, y);
+    return true;
+  };
+  for (const char* mode : {"FIT", "FIT2"}) {
+    const bool backsight = std::string(mode) == "FIT2";
+    host.Plugs[mode] = [this, pixel, backsight](PlugEvent e, double E, double N) {
+      if (e != PlugEvent::Press || !fitDialog_) return false;
+      const auto [x, y] = pixel(E, N);
+      Picked(fitDialog_);
+      fitDialog_->Pick(x, y, backsight);
+      return true;
+    };
+  }
+  host.Plugs["RESECT_BS"] = [this, pixel](PlugEvent e, double E, double N) {
+    if (e != PlugEvent::Press || !resectDlg_) return false;
+    const auto [x, y] = pixel(E, N);
+    Picked(resectDlg_);
+    resectDlg_->Pick(resectSlot_, x, y);
+    return true;
+  };
+  host.Plugs["PickCoord"] = [this](PlugEvent e, double E, double N) {
+    if (e != PlugEvent::Press || !userDialog_) return false;
+    Picked(userDialog_);
+    userDialog_->PickCoord(E, N);
+    return true;
+  };
 }

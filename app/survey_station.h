@@ -18,8 +18,13 @@ class UserDialog;
 class FitDialog;
 class ResectDlg;
 class StackOut;
+class QDialog;
 
 namespace tavik {
+namespace edit {
+class Editor;
+class EditHost;
+}  // namespace edit
 struct App;
 class TotalStationLink;
 namespace ui {
@@ -48,6 +53,10 @@ class SurveyStation : public QObject {
   tavik::SurveyContext ctx;
   SurveyPanel* panel() const { return panel_; }
 
+  // The pointer machine: picks on Paper1 for the dialogs (FIT, FIT2, RESECT_BS,
+  // PickCoord, STKOUT), the automatic link and the shape keys from measured points.
+  void ConnectEditor(tavik::edit::Editor& editor, tavik::edit::EditHost& host);
+
   void OpenUserDialog();
   void OpenFitDialog();
   void OpenResectDlg();
@@ -59,6 +68,9 @@ class SurveyStation : public QObject {
  private:
   void Wire(tavik::TotalStationLink& link);
   void AddMenus();
+  // Hides the dialog and lets the next click on Paper1 answer it.
+  void StartPick(QDialog* dialog, const std::string& mode);
+  bool Picked(QDialog* dialog);
 
   MainFrm& frm_;
   tavik::App& app_;
@@ -66,4 +78,6 @@ class SurveyStation : public QObject {
   FitDialog* fitDialog_ = nullptr;
   ResectDlg* resectDlg_ = nullptr;
   StackOut* stackOut_ = nullptr;
+  tavik::edit::Editor* editor_ = nullptr;
+  int resectSlot_ = 0;
 };

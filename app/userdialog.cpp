@@ -72,8 +72,11 @@ UserDialog::UserDialog(tavik::SurveyContext& ctx, QWidget* parent) : QDialog(par
   ok->setObjectName("OKButton");
   auto* cancel = new QPushButton("取消", this);
   cancel->setObjectName("CancelButton");
+  auto* pick = new QPushButton("螢幕  點一下", this);
+  pick->setObjectName("Command3");
+  connect(pick, &QPushButton::clicked, this, [this] { if (StartPick) StartPick("PickCoord"); });
   auto* row = new QHBoxLayout;
-  for (QPushButton* b : {measure_, stop_, clear_, help, ok, cancel}) {
+  for (QPushButton* b : {measure_, stop_, clear_, pick, help, ok, cancel}) {
     b->setAutoDefault(false);
     row->addWidget(b);
   }
@@ -124,6 +127,12 @@ UserDialog::UserDialog(tavik::SurveyContext& ctx, QWidget* parent) : QDialog(par
 void UserDialog::Received() {
   Pull();
   logic_.MeasurementReceiver();
+  Push();
+}
+
+void UserDialog::PickCoord(double E, double N) {
+  Pull();
+  logic_.PickCoord(E, N);
   Push();
 }
 

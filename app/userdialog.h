@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QDialog>
+#include <functional>
 
 #include "procedures/user_dialog.h"
 
@@ -17,6 +18,9 @@ class UserDialog : public QDialog {
   tavik::UserDialogLogic& Logic() { return logic_; }
   // The instrument's answer arrived (AwaitStationShot).
   void Received();
+  // 螢幕 點一下: the next click on the map gives the station's coordinates.
+  std::function<void(const std::string& mode)> StartPick;
+  void PickCoord(double E, double N);
 
  private:
   void Pull();

@@ -38,6 +38,8 @@ class FitDialogLogic {
   bool ChooseBacksight(const std::string& name);
   // A click at pixel (X, Y) on Paper1 in mode "FIT" (station) or "FIT2" (backsight).
   bool PickFit(double X, double Y, bool backsight);
+  std::string StationChosenName() const { return stationChosen_ ? ctx_.doc.StationName : ""; }
+  std::string BacksightChosenName() const { return backsightChosen_ ? ctx_.doc.BacksightName : ""; }
 
   void Command3();  // distance shot
   void Command4();  // angle only

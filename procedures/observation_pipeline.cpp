@@ -140,6 +140,7 @@ void ReducePoint(SurveyContext& ctx) {
     ctx.window.LinkPoints(s.PointHistoryE[1], s.PointHistoryN[1], s.PointHistoryH[1], s.PointHistoryE[0],
                           s.PointHistoryN[0], s.PointHistoryH[0]);
   }
+  ctx.window.PointStored();
 }
 
 void AddSurveyPoint(SurveyContext& ctx, int kind, bool drawMark, double E, double N, double H) {

@@ -55,6 +55,8 @@ class SurveyWindow {
   // The keyed-observation dialog InputHVSDlg, modal. True when the surveyor entered a
   // reading and it was stored in the link state as an instrument's answer would be.
   virtual bool ShowKeyedObservation() = 0;
+  // A survey point was stored: the shape keys (F4 to F8) complete their shapes from it.
+  virtual void PointStored() {}
 };
 
 }  // namespace tavik
