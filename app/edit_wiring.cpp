@@ -316,5 +316,3 @@ bool EditWiring::eventFilter(QObject* watched, QEvent* event) {
   }
   return false;
 }
-
-tavik::edit::EditHost& EditWiring::HostOf() { return *host_; }

@@ -63,8 +63,6 @@ class EditWiring : public QObject {
   tavik::edit::Editor& Editor() { return *editor_; }
   tavik::edit::EditHost& Host();
   tavik::view::MapCanvas& Canvas() { return *canvas_; }
-  // The editor's host, where later subsystems plug the handlers of their modes.
-  tavik::edit::EditHost& HostOf();
   QToolBar* Toolbar1() const { return toolbar1_; }
   QToolBar* Toolbar2() const { return toolbar2_; }
   // The window "快捷鍵速覽".

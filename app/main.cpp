@@ -10,6 +10,7 @@
 
 #include "app/edit_wiring.h"
 #include "app/survey_station.h"
+#include "procedures/observation_pipeline.h"
 #include "app/program.h"
 #include "core/app_paths.h"
 #include "core/instance_lock.h"
@@ -42,7 +43,9 @@ int main(int argc, char** argv) {
 
   Program program(paths);
   EditWiring edit(program);
-  program.survey->ConnectEditor(edit.Editor(), edit.HostOf());
+  program.survey->ConnectEditor(edit.Editor(), edit.Host());
+  // Space records a shot, as the record button does.
+  edit.FrameCommands["Measure"] = [&program] { tavik::RecButton(program.survey->ctx); };
   // Maximised to the desktop's work area; set by hand too, for desktops without a
   // window manager to honour the request.
   if (QScreen* screen = QGuiApplication::primaryScreen()) program.frm.setGeometry(screen->availableGeometry());

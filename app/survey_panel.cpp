@@ -34,7 +34,6 @@ SurveyPanel::SurveyPanel(MainFrm& frm, tavik::App& app, tavik::InstrumentState& 
   auto* buttons = new QHBoxLayout;
   rec_ = new QPushButton("記錄 (空白鍵)", body);
   rec_->setObjectName("RecButton");
-  rec_->setShortcut(QKeySequence(Qt::Key_Space));
   stop_ = new QPushButton("停止觀測", body);
   stop_->setObjectName("CmdSTOP");
   stop_->setEnabled(false);
