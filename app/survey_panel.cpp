@@ -93,8 +93,13 @@ void SurveyPanel::SetEnabled(const std::string& control, bool enabled) {
   if (control == "CmdSTOP") stop_->setEnabled(enabled);
 }
 
+// Pixel of Paper1's picture, which holds the visible area only: the paper transform
+// counts from the whole four-by-four paper, whose visible part starts one and a half
+// viewports in, as the editor's paper surface does for the map itself.
 bool SurveyPanel::ToPixel(double E, double N, float& x, float& y) const {
   tavik::WorldToPaper(app_.view, app_.doc.ScaleDenominator, E, N, x, y);
+  x -= 1.5f * app_.view.ViewWidthPixels;
+  y -= 1.5f * app_.view.ViewHeightPixels;
   return true;
 }
 
