@@ -27,13 +27,10 @@ struct OptionsRig {
   InstOptionsLogic dlg{state, dialogs, host, port, timer1, timer2, &sounder};
 };
 
-TEST(InstOptions, OptionButtonsStoreTheirKinds) {
+TEST(InstOptions, OptionButtonsStoreTheirKindsAndKindsMarkTheirOption) {
   const std::pair<InstOption, const char*> rows[] = {
-      {InstOption::OptHand, "Keyin"},         {InstOption::Option6, "SET3110M/MV"},
-      {InstOption::Option9, "NET1200"},       {InstOption::Option14, "SET5A"},
-      {InstOption::Option5, "GTS22X"},        {InstOption::Option25, "GTS211D"},
-      {InstOption::Option18, "Trimble"},      {InstOption::Option23, "Trimble3600"},
-      {InstOption::Option22, "PENTAX"},       {InstOption::Option2, "Nikon_Nivo"},
+      {InstOption::OptHand, "Keyin"},    {InstOption::Option6, "SET3110M/MV"}, {InstOption::Option5, "GTS22X"},
+      {InstOption::Option25, "GTS211D"}, {InstOption::Option23, "Trimble3600"}, {InstOption::Option2, "Nikon_Nivo"},
   };
   for (auto [option, kind] : rows) {
     OptionsRig rig;
@@ -44,19 +41,21 @@ TEST(InstOptions, OptionButtonsStoreTheirKinds) {
     EXPECT_EQ(rig.port.opens, 0);
     EXPECT_EQ(OptionForKind(kind), option);
   }
+  // Kinds read from the instrument mark the button of their series.
+  const std::pair<const char*, InstOption> read[] = {
+      {"TCR805power", InstOption::Option24}, {"TCA1100L", InstOption::Option24}, {"FlexLine", InstOption::Option3},
+      {"Nivo3.M", InstOption::Option2},      {"SRX", InstOption::Option4},       {"SET_030R", InstOption::Opt_030R},
+  };
+  for (auto [kind, option] : read) EXPECT_EQ(OptionForKind(kind), option) << kind;
 }
 
-TEST(InstOptions, RobotSeriesOnlyWhenNoKindIsSet) {
+TEST(InstOptions, RobotSeriesOnlyWhenNoKindIsSetAndSlowSokkiaSpeedStaysUntilChanged) {
   OptionsRig rig;
   rig.dlg.PickOption(InstOption::Option4);
   EXPECT_EQ(rig.state.InstrumentKind, "SET30R");
   rig.state.InstrumentKind = "";
   rig.dlg.PickOption(InstOption::Option4);
   EXPECT_EQ(rig.state.InstrumentKind, "SRX");
-}
-
-TEST(InstOptions, SlowSokkiaSpeedStaysUntilChanged) {
-  OptionsRig rig;
   rig.state.InstrumentSerial = "123";
   rig.dlg.PickOption(InstOption::Opt_030R);
   EXPECT_EQ(rig.state.BaudRate, 1200);
@@ -82,15 +81,6 @@ TEST(InstOptions, LeicaButtonsAskTheInstrument) {
   EXPECT_EQ(rig.state.InstrumentKind, "FlexLine");
 }
 
-TEST(InstOptions, MarkedOptionForIdentifiedKinds) {
-  EXPECT_EQ(OptionForKind("TCR805power"), InstOption::Option24);
-  EXPECT_EQ(OptionForKind("TCA1100L"), InstOption::Option24);
-  EXPECT_EQ(OptionForKind("FlexLine"), InstOption::Option3);
-  EXPECT_EQ(OptionForKind("Nivo3.M"), InstOption::Option2);
-  EXPECT_EQ(OptionForKind("SRX"), InstOption::Option4);
-  EXPECT_EQ(OptionForKind("SET_030R"), InstOption::Opt_030R);
-}
-
 TEST(InstOptions, IdentificationProbesSokkiaThenTopconInTurn) {
   OptionsRig rig;
   rig.dlg.Command1Click();
@@ -110,16 +100,13 @@ TEST(InstOptions, IdentificationProbesSokkiaThenTopconInTurn) {
   EXPECT_FALSE(rig.timer2.enabled);  // gives up after a few probes
 }
 
-struct IdCase {
-  const char* legend;
-  std::string answer;
-  const char* kind;  // expected kind; the probe left "SET"
-  const char* serial;
-  bool identified;
-  bool portClosed;
-};
-
 TEST(InstOptions, IdentificationAnswers) {
+  struct IdCase {
+    const char* legend;
+    std::string answer;
+    const char *kind, *serial;  // expected kind; the probe left "SET"
+    bool identified, portClosed;
+  };
   const IdCase cases[] = {
       {"comma answer", "A SET30R, 123456 ,1.2,3.4\r\n", "SET30R", "123456", true, false},
       {"acknowledge bytes are ignored", "\x06\x06" "A SRX3,77,1\r\n", "SRX3", "77", true, false},
@@ -174,9 +161,8 @@ TEST(InstOptions, OkAsksForTheMapTypeOnce) {
 
 TEST(InstOptions, RobotPanelRule) {
   const std::pair<const char*, bool> rows[] = {
-      {"SET3110M", true},  {"SET3110MV", true}, {" SET3110MV ", true}, {"SET3110M/MV", false},
-      {"iX-1003", true},   {"DX-103", true},    {"SX", true},          {"SRX", true},
-      {"NET1200", true},   {"SET30R", false},   {"ix", false},         {"FlexLine", false},
+      {" SET3110MV ", true}, {"SET3110M/MV", false}, {"iX-1003", true}, {"ix", false},
+      {"DX-103", true},      {"SX", true},           {"NET1200", true}, {"SET30R", false},
   };
   for (auto [kind, robot] : rows) {
     OptionsRig rig;

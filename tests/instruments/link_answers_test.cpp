@@ -2,8 +2,7 @@
 // at every byte boundary, and must come out the same.
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <optional>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -11,6 +10,8 @@
 
 namespace tavik::test {
 namespace {
+
+constexpr double kPi = 3.14159265358979;
 
 // A Trimble 3600 record: blanks with the given columns (1-based) filled in.
 std::string Columns(std::initializer_list<std::pair<int, const char*>> parts) {
@@ -25,25 +26,20 @@ const std::string k3600V2 = Columns({{44, "SD"}, {46, "      12.345"}, {59, "Hz"
                                      {73, "3"}, {75, "V2"}, {77, " 90"}, {81, "0000"}, {85, "0"}});
 
 struct Case {
-  const char* legend;
-  const char* kind;
+  const char *legend, *kind;
   std::string bytes;
-  // Set-up before the answer.
+  // Set-up before the answer: an angle-only read waits instead of a point shot.
   double priorSlope = 0;
-  bool fitAngle = false;      // an angle-only read waits instead of a point shot
-  bool faceWarning = true;
+  bool fitAngle = false, faceWarning = true;
   const char* shotMode = "快測";
-  // Expected.
-  const char* delivered = "";  // "point", "angle" or "" for none
+  // Expected; delivered is "point", "angle" or "" for none.
+  const char* delivered = "";
   std::vector<std::string> boxes = {};
   double slope = 0;
   int32_t hz = 0, v = 0;
-  const char* label29 = nullptr;
-  const char* labelZA = nullptr;
-  const char* obsBoxEnds = nullptr;
+  const char *label29 = nullptr, *labelZA = nullptr, *obsBoxEnds = nullptr;
   bool waitShown = false;  // MsgObserve still on
-  std::string setWritten = "";
-  std::string topWritten = "";
+  std::string setWritten = "", topWritten = "";
   bool topClosed = false;
 };
 
@@ -100,8 +96,7 @@ const std::vector<Case>& Cases() {
        .boxes = {"TAVIK|垂直角定義錯誤"}, .waitShown = true},
       // PENTAX
       {.legend = "PENTAX HHD line", .kind = "PENTAX", .bytes = "HHD  0123.45.12 ZA  0090.00.00 SD    12.345\r\n",
-       .delivered = "point", .slope = 12.345, .hz = 1234512, .v = 900000, .label29 = "123-45-12",
-       .topClosed = true},
+       .delivered = "point", .slope = 12.345, .hz = 1234512, .v = 900000, .label29 = "123-45-12", .topClosed = true},
       {.legend = "PENTAX damaged line", .kind = "PENTAX", .bytes = "HD  0123.45.12\r\n",
        .obsBoxEnds = "資料錯誤!!(資料不全)", .topClosed = true},
       // SET
@@ -117,8 +112,7 @@ const std::vector<Case>& Cases() {
       {.legend = "SET 9 characters, two fields, dropped", .kind = "SET30R", .bytes = "1234 678\n",
        .setWritten = kStop},
       {.legend = "SET E200 in field 0: no prism", .kind = "SET30R", .bytes = "E200 0900000 1234512\r\n",
-       .boxes = {"無法測距|被測物反射不良或找不到稜鏡."}, .obsBoxEnds = " 被測物反射不良或找不到稜鏡.",
-       .setWritten = kStop},
+       .boxes = {"無法測距|被測物反射不良或找不到稜鏡."}, .obsBoxEnds = " 被測物反射不良或找不到稜鏡.", .setWritten = kStop},
       {.legend = "SET E200 in field 1 is an unknown error", .kind = "SET30R", .bytes = "0012345 E200 1234512\r\n",
        .boxes = {"有問題|ER資料錯誤!"}, .obsBoxEnds = " 不明原因,導致資料錯誤.", .setWritten = kStop},
       {.legend = "SET tilt E117 in field 1", .kind = "SET30R", .bytes = "0012345 E117 1234512\r\n",
@@ -128,8 +122,7 @@ const std::vector<Case>& Cases() {
       {.legend = "SET distance not a number", .kind = "SET30R", .bytes = "00a2345 0900000 1234512\r\n",
        .boxes = {"有問題|ER資料錯誤!"}, .setWritten = kStop},
       {.legend = "SET angle not a number keeps the distance read", .kind = "SET30R",
-       .bytes = "0012345 09x0000 1234512\r\n", .boxes = {"有問題|ER資料錯誤!"}, .slope = 12.345,
-       .setWritten = kStop},
+       .bytes = "0012345 09x0000 1234512\r\n", .boxes = {"有問題|ER資料錯誤!"}, .slope = 12.345, .setWritten = kStop},
       {.legend = "SET distance below 1 cm", .kind = "SET30R", .bytes = "0000009 0900000 1234512\r\n",
        .boxes = {"SD資料錯誤|斜距值錯誤."}, .slope = 0.009, .obsBoxEnds = " 距離值錯誤.", .setWritten = kStop},
       {.legend = "SET 1 cm passes, HD near the zenith fails", .kind = "SET30R",
@@ -140,11 +133,9 @@ const std::vector<Case>& Cases() {
        .setWritten = kStop},
       {.legend = "SET zenith one second past pi: face reminder", .kind = "SET30R",
        .bytes = "0012345 1800001 0000000\r\n",
-       .boxes = {"倒鏡提示|提醒您: 儀器目前是倒鏡狀態", "HD資料錯誤|平距值錯誤."}, .slope = 12.345, .v = 1800001,
-       .setWritten = kStop},
+       .boxes = {"倒鏡提示|提醒您: 儀器目前是倒鏡狀態", "HD資料錯誤|平距值錯誤."}, .slope = 12.345, .v = 1800001, .setWritten = kStop},
       {.legend = "SET face two without the reminder", .kind = "SET30R", .bytes = "0012345 2700000 0000000\r\n",
-       .faceWarning = false, .boxes = {"HD資料錯誤|平距值錯誤."}, .slope = 12.345, .v = 2700000,
-       .setWritten = kStop},
+       .faceWarning = false, .boxes = {"HD資料錯誤|平距值錯誤."}, .slope = 12.345, .v = 2700000, .setWritten = kStop},
       {.legend = "SET tracking line sets the zenith only", .kind = "SET30R",
        .bytes = "Ee,1000.000,2000.000,100.000,90.0010\r\n", .v = 900010, .setWritten = kStop},
       {.legend = "SET identification", .kind = "SET30R", .bytes = "A SET30R,123456,1.23,2.34\r\n",
@@ -153,83 +144,52 @@ const std::vector<Case>& Cases() {
   return cases;
 }
 
-struct Outcome {
-  std::vector<std::string> delivered, boxes;
-  double slope;
-  int32_t hz, v;
-  WaitPicture picture;
-  std::string setWritten, topWritten;
-  bool topOpen;
-};
-
-Outcome Feed(const Case& c, std::size_t split) {
-  LinkRig rig;
-  rig.state.InstrumentKind = c.kind;
-  rig.state.ObsSlope = c.priorSlope;
-  rig.state.FaceWarning = c.faceWarning ? -1 : 0;
-  rig.state.ShotMode = c.shotMode;
-  (c.fitAngle ? rig.state.AwaitFitAngle : rig.state.AwaitPointShot) = -1;
-  rig.set.open = rig.top.open = true;
-  rig.link.picture.MsgObserve = true;
-  FakePort& port = FamilyOf(c.kind) == Family::Set ? rig.set : rig.top;
-  port.Receive(std::string_view(c.bytes).substr(0, split));
-  port.Receive(std::string_view(c.bytes).substr(split));
-  return {rig.delivered, rig.Boxes(), rig.state.ObsSlope, rig.state.ObsHzRaw, rig.state.ObsVRaw,
-          rig.link.picture, rig.set.written, rig.top.written, rig.top.open};
-}
-
 TEST(LinkAnswers, EveryFamilyWholeAndSplitAtEveryByte) {
   for (const Case& c : Cases()) {
     for (std::size_t split = 0; split <= c.bytes.size(); ++split) {
       SCOPED_TRACE(std::string(c.legend) + " split at " + std::to_string(split));
-      Outcome o = Feed(c, split);
-      std::vector<std::string> delivered;
-      if (*c.delivered) delivered.push_back(c.delivered);
-      ASSERT_EQ(o.delivered, delivered);
-      ASSERT_EQ(o.boxes, c.boxes);
-      ASSERT_DOUBLE_EQ(o.slope, c.slope);
-      ASSERT_EQ(o.hz, c.hz);
-      ASSERT_EQ(o.v, c.v);
-      ASSERT_EQ(o.picture.MsgObserve, c.waitShown);
-      if (c.label29) {
-        ASSERT_EQ(o.picture.Label29, c.label29);
-      }
-      if (c.labelZA) {
-        ASSERT_EQ(o.picture.LabelZA, c.labelZA);
-      }
-      if (c.obsBoxEnds) {
-        std::string box = o.picture.OBSBox, end = c.obsBoxEnds;
-        ASSERT_GE(box.size(), end.size()) << box;
-        ASSERT_EQ(box.substr(box.size() - end.size()), end);
-      }
-      ASSERT_EQ(o.setWritten, c.setWritten);
-      ASSERT_EQ(o.topWritten, c.topWritten);
-      ASSERT_EQ(o.topOpen, !c.topClosed);
+      LinkRig rig;
+      rig.state.InstrumentKind = c.kind;
+      rig.state.ObsSlope = c.priorSlope;
+      rig.state.FaceWarning = c.faceWarning ? -1 : 0;
+      rig.state.ShotMode = c.shotMode;
+      (c.fitAngle ? rig.state.AwaitFitAngle : rig.state.AwaitPointShot) = -1;
+      rig.set.open = rig.top.open = true;
+      rig.link.picture.MsgObserve = true;
+      FakePort& port = FamilyOf(c.kind) == Family::Set ? rig.set : rig.top;
+      port.Receive(std::string_view(c.bytes).substr(0, split));
+      port.Receive(std::string_view(c.bytes).substr(split));
+      const WaitPicture& pic = rig.link.picture;
+      ASSERT_EQ(rig.delivered, *c.delivered ? std::vector<std::string>{c.delivered} : std::vector<std::string>{});
+      ASSERT_EQ(rig.Boxes(), c.boxes);
+      ASSERT_DOUBLE_EQ(rig.state.ObsSlope, c.slope);
+      ASSERT_EQ(rig.state.ObsHzRaw, c.hz);
+      ASSERT_EQ(rig.state.ObsVRaw, c.v);
+      ASSERT_EQ(pic.MsgObserve, c.waitShown);
+      if (c.label29) { ASSERT_EQ(pic.Label29, c.label29); }
+      if (c.labelZA) { ASSERT_EQ(pic.LabelZA, c.labelZA); }
+      if (c.obsBoxEnds) { ASSERT_TRUE(pic.OBSBox.ends_with(c.obsBoxEnds)) << pic.OBSBox; }
+      ASSERT_EQ(rig.set.written, c.setWritten);
+      ASSERT_EQ(rig.top.written, c.topWritten);
+      ASSERT_EQ(rig.top.open, !c.topClosed);
     }
   }
 }
 
-TEST(LinkAnswers, DistanceAndHorizontalDistanceLabels) {
+TEST(LinkAnswers, HorizontalDistanceLabelAndTenthsKeptInRadians) {
   LinkRig rig;
   rig.state.AwaitPointShot = -1;
   rig.set.open = true;
-  // 100.000 m at a zenith of 60 degrees: horizontal 86.603 m.
-  rig.set.Receive("0100000 0600000 0000000\r\n");
+  rig.set.Receive("0100000 0600000 0000000\r\n");  // 100 m at a zenith of 60 degrees
   EXPECT_EQ(rig.link.picture.LabelS, "100.000");
   EXPECT_EQ(rig.link.picture.Label45, "86.603");
-  EXPECT_NEAR(rig.state.ObsV, 3.14159265358979 / 3, 1e-12);
-}
-
-TEST(LinkAnswers, Trimble3600KeepsTenthsInRadians) {
-  LinkRig rig;
-  rig.state.InstrumentKind = "Trimble3600";
-  rig.state.AwaitPointShot = -1;
-  rig.top.open = true;
-  rig.top.Receive(k3600);
-  double seconds = 12.3;
-  double expected = (123 + 45 / 60.0 + seconds / 3600) * 3.14159265358979 / 180;
-  EXPECT_NEAR(rig.state.ObsHz, expected, 1e-12);
-  EXPECT_GT(rig.state.ObsHz, (123 + 45 / 60.0 + 12 / 3600.0) * 3.14159265358979 / 180 + 1e-7);
+  EXPECT_NEAR(rig.state.ObsV, kPi / 3, 1e-12);
+  LinkRig trimble;
+  trimble.state.InstrumentKind = "Trimble3600";
+  trimble.state.AwaitPointShot = -1;
+  trimble.top.open = true;
+  trimble.top.Receive(k3600);
+  EXPECT_NEAR(trimble.state.ObsHz, (123 + 45 / 60.0 + 12.3 / 3600) * kPi / 180, 1e-12);
 }
 
 TEST(LinkAnswers, FailedDistanceTestLeavesTheFlagSet) {
@@ -289,12 +249,8 @@ TEST(LinkAnswers, DownloadTakesTheSetChannel) {
   EXPECT_TRUE(converted);
   EXPECT_TRUE(rig.delivered.empty());
   std::string path = std::string(folder) + "/$SOK.OBS";
-  FILE* f = fopen(path.c_str(), "rb");
-  ASSERT_NE(f, nullptr);
-  char buf[256];
-  std::size_t n = fread(buf, 1, sizeof buf, f);
-  fclose(f);
-  EXPECT_EQ(std::string(buf, n), "0012345 0900000 1234512\r\nline 2\r\n");
+  std::ifstream f(path, std::ios::binary);
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(f), {}), "0012345 0900000 1234512\r\nline 2\r\n");
   std::remove(path.c_str());
   rmdir(folder);
 }

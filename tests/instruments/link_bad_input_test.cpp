@@ -9,10 +9,7 @@
 namespace tavik::test {
 namespace {
 
-struct GoodAnswer {
-  const char* kind;
-  std::string bytes;
-};
+struct GoodAnswer { const char* kind; std::string bytes; };
 
 const GoodAnswer kGood[] = {
     {"SET30R", "0012345 0900000 1234512\r\n"},
@@ -50,18 +47,13 @@ void ExpectDecodedAfter(const std::string& garbage, const char* legend) {
   }
 }
 
-TEST(LinkBadInput, RandomBytes) {
+TEST(LinkBadInput, RandomBytesThenOverlongLineAndNuls) {
   std::mt19937 rng(20261121);
-  std::string garbage;
-  for (int i = 0; i < 20000; ++i) garbage.push_back(static_cast<char>(rng() & 0xff));
-  ExpectDecodedAfter(garbage, "random");
-}
-
-TEST(LinkBadInput, OverlongLineAndNuls) {
-  std::string garbage(5000, 'x');
-  garbage += std::string(3000, '\0');
-  garbage += "0012345 0900000";  // a half answer cut off
-  ExpectDecodedAfter(garbage, "overlong");
+  std::string random;
+  for (int i = 0; i < 20000; ++i) random.push_back(static_cast<char>(rng() & 0xff));
+  ExpectDecodedAfter(random, "random");
+  // 5000 bytes with no line end, 3000 NULs, and a half answer cut off.
+  ExpectDecodedAfter(std::string(5000, 'x') + std::string(3000, '\0') + "0012345 0900000", "overlong");
 }
 
 TEST(LinkBadInput, NulsInsideAnAnswerAreADamagedLine) {

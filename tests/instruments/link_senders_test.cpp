@@ -7,23 +7,17 @@
 namespace tavik::test {
 namespace {
 
-struct ShotCase {
-  const char* kind;
-  const char* channel;  // "SET", "TOP" or "" for none
-  const char* settings;
-  std::string written;
-};
-
 TEST(LinkSenders, StartShotPerKind) {
+  struct ShotCase {
+    const char *kind, *channel, *settings;  // channel "SET" or "TOP"
+    std::string written;
+  };
   const ShotCase cases[] = {
       {"SET30R", "SET", "COM3 4800,n,8,1", std::string("Xc\r\n\x11\r\n")},
-      {"TCR805power", "SET", "COM3 4800,n,8,1", std::string("Xc\r\n\x11\r\n")},
-      {"SET3110M/MV", "SET", "COM3 4800,n,8,1", std::string("Xc\r\n\x11\r\n")},
       {"a model read from the instrument", "SET", "COM3 4800,n,8,1", std::string("Xc\r\n\x11\r\n")},
       {"GTS22X", "TOP", "COM3 4800,n,8,1", "C067\x03\r\n"},
       {"GTS211D", "TOP", "COM3 4800,e,7,1", "C067\x03\r\n"},
       {"FlexLine", "TOP", "COM3 4800,n,8,1", "GET/M/WI31/WI21/WI22\r\n"},
-      {"TCRA1103plus", "TOP", "COM3 4800,n,8,1", "GET/M/WI31/WI21/WI22\r\n"},
       {"Trimble", "TOP", "COM3 4800,n,8,1", "TG\r\n"},
       {"Trimble3600", "TOP", "COM3 4800,n,8,1", ""},
       {"PENTAX", "TOP", "COM3 4800,n,8,1", "a\r\n"},
@@ -46,14 +40,19 @@ TEST(LinkSenders, StartShotPerKind) {
   }
 }
 
-TEST(LinkSenders, KeyinOpensTheInputDialogOnly) {
+TEST(LinkSenders, KeyinOpensTheInputDialogInsteadOfAPortAndStopUnloadsIt) {
   LinkRig rig;
-  int opened = 0;
+  int opened = 0, closed = 0;
   rig.link.hooks.OpenInputHVS = [&] { ++opened; };
+  rig.link.hooks.CloseInputHVS = [&] { ++closed; };
   rig.state.InstrumentKind = "Keyin";
   rig.link.StartShot();
   EXPECT_EQ(opened, 1);
   EXPECT_EQ(rig.set.opens + rig.top.opens, 0);
+  rig.link.picture.OBSBox = "x";
+  rig.link.StopShot();
+  EXPECT_EQ(closed, 1);
+  EXPECT_EQ(rig.link.picture.OBSBox, "");
 }
 
 TEST(LinkSenders, OpenPortIsNeverReconfiguredExceptTopcon) {
@@ -82,25 +81,28 @@ TEST(LinkSenders, BufferEmptiedOnlyWhenTheSetPortHadToOpen) {
   EXPECT_EQ(rig.link.RxBuffer(), "");
 }
 
-TEST(LinkSenders, APortThatWillNotOpenEndsTheSenderQuietly) {
+TEST(LinkSenders, APortThatWillNotOpenEndsTheSenderQuietlyAndTheStopStillCompletes) {
   LinkRig rig;
   rig.set.refuseOpen = true;
   rig.link.picture.OBSBox = "before";
   rig.link.StartShot();
   EXPECT_EQ(rig.link.picture.OBSBox, "before");
   EXPECT_FALSE(rig.link.picture.MsgObserve);
+  rig.link.picture.CmdSTOPEnabled = true;
+  rig.link.picture.RecButtonEnabled = false;
+  rig.link.StopShot();
+  EXPECT_FALSE(rig.link.picture.CmdSTOPEnabled);
+  EXPECT_TRUE(rig.link.picture.RecButtonEnabled);
   EXPECT_TRUE(rig.dialogs.shown.empty());
 }
 
-struct StopCase {
-  const char* kind;
-  bool setOpen, topOpen;
-  std::string setWritten, topWritten;
-  bool topOpenAfter;
-  bool obsBoxEmptied;
-};
-
 TEST(LinkSenders, StopShotPerFamily) {
+  struct StopCase {
+    const char* kind;
+    bool setOpen, topOpen;
+    std::string setWritten, topWritten;
+    bool topOpenAfter, obsBoxEmptied;
+  };
   const StopCase cases[] = {
       {"SET30R", true, false, "\x12\r\n", "", false, false},
       {"PENTAX", false, true, "", "", true, false},  // SET is closed: the stop has nowhere to go
@@ -126,76 +128,33 @@ TEST(LinkSenders, StopShotPerFamily) {
     EXPECT_EQ(rig.link.picture.OBSBox.empty(), c.obsBoxEmptied);
     EXPECT_FALSE(rig.link.picture.CmdSTOPEnabled);
     EXPECT_TRUE(rig.link.picture.RecButtonEnabled);
-    if (!c.setOpen && !c.topOpen) {
-      EXPECT_EQ(rig.set.openedWith, std::vector<std::string>{"COM1 9600,n,8,1"});
-    }
+    if (!c.setOpen && !c.topOpen) { EXPECT_EQ(rig.set.openedWith, std::vector<std::string>{"COM1 9600,n,8,1"}); }
   }
 }
 
-TEST(LinkSenders, StopShotCompletesWhenNoPortOpens) {
-  LinkRig rig;
-  rig.set.refuseOpen = true;
-  rig.link.picture.CmdSTOPEnabled = true;
-  rig.link.picture.RecButtonEnabled = false;
-  rig.link.StopShot();
-  EXPECT_FALSE(rig.link.picture.CmdSTOPEnabled);
-  EXPECT_TRUE(rig.link.picture.RecButtonEnabled);
-}
-
-TEST(LinkSenders, KeyinStopUnloadsTheInputDialog) {
-  LinkRig rig;
-  int closed = 0;
-  rig.link.hooks.CloseInputHVS = [&] { ++closed; };
-  rig.state.InstrumentKind = "Keyin";
-  rig.link.picture.OBSBox = "x";
-  rig.link.StopShot();
-  EXPECT_EQ(closed, 1);
-  EXPECT_EQ(rig.link.picture.OBSBox, "");
-}
-
 TEST(LinkSenders, OtherRequestsTable) {
-  struct Row {
-    const char* kind;
-    Request request;
-    std::optional<std::string> bytes;
-  };
+  struct Row { const char* kind; Request request; std::optional<std::string> bytes; };
   const Row rows[] = {
-      {"SET30R", Request::Identify, "A\r\n"},
-      {"GTS22X", Request::Identify, "Z32091\x03\r\n"},
-      {"FlexLine", Request::Identify, std::nullopt},
-      {"FlexLine", Request::ReadSerial, "GET/I/WI12\r\n"},
+      {"SET30R", Request::Identify, "A\r\n"}, {"GTS22X", Request::Identify, "Z32091\x03\r\n"},
+      {"FlexLine", Request::Identify, std::nullopt}, {"FlexLine", Request::ReadSerial, "GET/I/WI12\r\n"},
       {"TCA1100", Request::ReadType, "SET/161/7\r\nGET/I/WI13\r\n"},
-      {"FlexLine", Request::AngleOnly, "GET/M/WI21/WI22\r\n"},
-      {"PENTAX", Request::AngleOnly, "e\r\n"},
-      {"Trimble", Request::AngleOnly, "RG\r\n"},
-      {"GTS211D", Request::AngleOnly, "Z12089\x03\r\n"},
-      {"SET30R", Request::AngleOnly, std::string("\0\r\n", 3)},
-      {"Trimble3600", Request::AngleOnly, std::nullopt},
-      {"SET30R", Request::LeaveStakeOut, "\x12\r\n"},
-      {"GTS22X", Request::LeaveStakeOut, "Z32091\x03\r\n"},
-      {"TCR1103", Request::LeaveStakeOut, "c\r\n"},
-      {"GTS22X", Request::StartTracking, "Z33090\x03\r\n"},
-      {"Trimble", Request::StartStream, "PG,3=1\r\n"},
-      {"Trimble", Request::StopStream, "PG,3=0\r\n"},
-      {"SRX", Request::ShotFast, "Xa\r\n"},
-      {"SRX", Request::ShotFine, "Xe\r\n"},
-      {"SRX", Request::ShotTracking, "Xc\r\n"},
-      {"SRX", Request::ReadTrackingCoords, "Ee\r\n"},
-      {"SRX", Request::PowerOn, "*PON\r\n"},
-      {"SRX", Request::PowerOff, "*POFF\r\n"},
-      {"SRX", Request::Rotate, "*Z\r\n"},
+      {"FlexLine", Request::AngleOnly, "GET/M/WI21/WI22\r\n"}, {"PENTAX", Request::AngleOnly, "e\r\n"},
+      {"Trimble", Request::AngleOnly, "RG\r\n"}, {"GTS211D", Request::AngleOnly, "Z12089\x03\r\n"},
+      {"SET30R", Request::AngleOnly, std::string("\0\r\n", 3)}, {"Trimble3600", Request::AngleOnly, std::nullopt},
+      {"SET30R", Request::LeaveStakeOut, "\x12\r\n"}, {"GTS22X", Request::LeaveStakeOut, "Z32091\x03\r\n"},
+      {"TCR1103", Request::LeaveStakeOut, "c\r\n"}, {"GTS22X", Request::StartTracking, "Z33090\x03\r\n"},
+      {"Trimble", Request::StartStream, "PG,3=1\r\n"}, {"Trimble", Request::StopStream, "PG,3=0\r\n"},
+      {"SRX", Request::ReadTrackingCoords, "Ee\r\n"}, {"SRX", Request::ShotFast, "Xa\r\n"},
+      {"SRX", Request::ShotFine, "Xe\r\n"},  {"SRX", Request::ShotTracking, "Xc\r\n"},
+      {"SRX", Request::PowerOn, "*PON\r\n"}, {"SRX", Request::PowerOff, "*POFF\r\n"}, {"SRX", Request::Rotate, "*Z\r\n"},
   };
   for (const Row& r : rows) {
     SCOPED_TRACE(r.kind);
     LinkRig rig;
     rig.state.InstrumentKind = r.kind;
-    bool sent = rig.link.Send(r.request);
-    EXPECT_EQ(sent, r.bytes.has_value());
-    std::string written = rig.set.written + rig.top.written;
-    EXPECT_EQ(written, r.bytes.value_or(""));
-    if (r.bytes) {
-      EXPECT_EQ(ChannelOf(FamilyOf(r.kind)) == Channel::Set ? rig.set.written : rig.top.written, *r.bytes);
-    }
+    EXPECT_EQ(rig.link.Send(r.request), r.bytes.has_value());
+    EXPECT_EQ(rig.set.written + rig.top.written, r.bytes.value_or(""));
+    if (r.bytes) { EXPECT_EQ(ChannelOf(FamilyOf(r.kind)) == Channel::Set ? rig.set.written : rig.top.written, *r.bytes); }
   }
 }
 
@@ -206,8 +165,6 @@ TEST(LinkSenders, RoutingListsAreExact) {
   EXPECT_EQ(FamilyOf("Keyin"), Family::Keyin);
   EXPECT_EQ(FamilyOf("GTS211D "), Family::Set);
   EXPECT_EQ(ChannelOf(Family::Trimble3600), Channel::Top);
-  EXPECT_EQ(SettingsText("GTS211D", 9600), "9600,e,7,1");
-  EXPECT_EQ(SettingsText("GTS22X", 19200), "19200,n,8,1");
 }
 
 }  // namespace

@@ -36,17 +36,6 @@ TEST(RobotCtrl, StepButtonsWriteWithCrAndStopAfterTwoSeconds) {
   }
 }
 
-TEST(RobotCtrl, SecondStepRestartsTheTimerWithItsInterval) {
-  RobotRig rig;
-  rig.state.InstrumentKind = "SRX";
-  rig.dialogs.inputs.push_back("+10");
-  rig.robot.TurnTo();
-  EXPECT_EQ(rig.timer10.interval, 7000);
-  rig.robot.Step(StepButton::DirLeft7);
-  EXPECT_EQ(rig.timer10.interval, 2000);
-  EXPECT_TRUE(rig.timer10.enabled);
-}
-
 TEST(RobotCtrl, TurnTo) {
   const std::pair<std::optional<std::string>, std::string> rows[] = {
       {"+3211234", "*DHI+3211234VI+0000000\r"},
@@ -62,9 +51,7 @@ TEST(RobotCtrl, TurnTo) {
     rig.robot.TurnTo();
     EXPECT_EQ(rig.set.written, bytes);
     EXPECT_EQ(rig.timer10.enabled, !bytes.empty());
-    if (!bytes.empty()) {
-      EXPECT_EQ(rig.timer10.interval, 7000);
-    }
+    if (!bytes.empty()) { EXPECT_EQ(rig.timer10.interval, 7000); }
   }
   RobotRig rig;
   rig.dialogs.inputs.push_back("+12x");
@@ -72,6 +59,13 @@ TEST(RobotCtrl, TurnTo) {
   EXPECT_EQ(rig.set.written, "");
   EXPECT_EQ(rig.dialogs.shown.back().kind, "msg");
   EXPECT_EQ(rig.dialogs.shown.front().title, "鏡頭指定轉向");
+  // A step after a turn restarts the timer with its own interval.
+  rig.dialogs.inputs.push_back("+10");
+  rig.robot.TurnTo();
+  EXPECT_EQ(rig.timer10.interval, 7000);
+  rig.robot.Step(StepButton::DirLeft7);
+  EXPECT_EQ(rig.timer10.interval, 2000);
+  EXPECT_TRUE(rig.timer10.enabled);
 }
 
 TEST(RobotCtrl, SearchRange) {
@@ -93,11 +87,7 @@ TEST(RobotCtrl, EscapeStopsTheInstrument) {
   EXPECT_EQ(rig.set.written, "\x12\r\n*R\r\n");
 }
 
-struct CycleStep {
-  std::string written;
-  const char* caption;
-  std::optional<ui::Rgb> colour;
-};
+struct CycleStep { std::string written; const char* caption; std::optional<ui::Rgb> colour; };
 
 void ExpectCycle(void (RobotCtrl::*click)(), std::string InstrumentState::*caption,
                  std::optional<ui::Rgb> RobotCtrl::Colours::*colour, const std::vector<CycleStep>& steps,
@@ -110,9 +100,7 @@ void ExpectCycle(void (RobotCtrl::*click)(), std::string InstrumentState::*capti
     written += s.written;
     EXPECT_EQ(rig.set.written, written);
     EXPECT_EQ(rig.state.*caption, s.caption);
-    if (colour) {
-      EXPECT_EQ(rig.robot.colours.*colour, s.colour);
-    }
+    if (colour) { EXPECT_EQ(rig.robot.colours.*colour, s.colour); }
   }
   EXPECT_EQ(rig.gnss.open, !closesGnss);
 }
@@ -147,15 +135,6 @@ TEST(RobotCtrl, FailedWriteKeepsTheCaption) {
   EXPECT_FALSE(rig.robot.colours.ShotMode.has_value());
   EXPECT_FALSE(rig.timer10.enabled);
   EXPECT_TRUE(rig.dialogs.shown.empty());
-}
-
-TEST(RobotCtrl, ShotModeDecidesTheStopAfterAnAnswer) {
-  RobotRig rig;
-  rig.robot.ShotModeClick();  // 快測 -> 精測
-  rig.robot.ShotModeClick();  // 精測 -> 連測
-  rig.set.written.clear();
-  rig.set.Receive("0012345 0900000 1234512\r\n");
-  EXPECT_EQ(rig.set.written, "");
 }
 
 }  // namespace

@@ -56,9 +56,9 @@ class Sim {
   Sim(const std::string& family, const QStringList& extra = {}) : process_((App(), nullptr)) {
     scene_.reset(new QTemporaryDir);
     QString scenePath = scene_->filePath("scene.txt");
-    FILE* f = std::fopen(scenePath.toStdString().c_str(), "w");
-    std::fputs(kScene, f);
-    std::fclose(f);
+    QFile f(scenePath);
+    if (f.open(QIODevice::WriteOnly)) f.write(kScene);
+    f.close();
     QStringList args = {"--family", QString::fromStdString(family), "--scene", scenePath, "--hold"};
     process_.start(TAVIK_BIN_DIR "/tools/sim/tavik-sim", args + extra);
     process_.waitForStarted(5000);
@@ -111,8 +111,7 @@ Point Reduce(const InstrumentState& s, double targetHeight) {
 }
 
 struct FamilyCase {
-  const char* simFamily;
-  const char* kind;
+  const char *simFamily, *kind;
   double tolerance;  // metres, from the instrument's rounding at about 100 m
 };
 
@@ -151,9 +150,7 @@ TEST(SerialEndToEnd, EveryFamilyMeasuresTheScene) {
 
 TEST(SerialEndToEnd, MisbehavingInstrumentThenAGoodAnswer) {
   struct Case {
-    const char* family;
-    const char* kind;
-    const char* fault;
+    const char *family, *kind, *fault;
     std::optional<std::vector<std::string>> boxes;  // titles the bad answer raises; nullopt: any
     bool waitStays;                                  // no complete answer: the wait picture stays
   };
@@ -227,30 +224,22 @@ TEST(SerialEndToEnd, PulledCableMidAnswerClosesThePort) {
 }
 
 TEST(SerialEndToEnd, IdentificationOfSokkiaAndLeica) {
-  struct Case {
-    const char* simFamily;
-    bool leica;
-    const char* kind;
-  };
+  struct Case { const char* simFamily; bool leica; const char* kind; };
   for (const Case& c : {Case{"SET", false, "SET3110MV"}, Case{"Leica", true, "TCA1100L"}}) {
     SCOPED_TRACE(c.kind);
     Sim sim(c.simFamily, {"--model", c.kind, "--serial", "778899"});
-    App();
-    setenv("TAVIK_COM7", sim.path.c_str(), 1);
-    InstrumentState state;
-    state.PortNumber = 7;
-    ui::ScriptedDialogs dialogs;
-    struct Host : InstOptionsHost {
+    Rig rig(sim.path);
+    struct : InstOptionsHost {
       void ShowMeasureMode(const std::string&) override {}
       void ShowRobotPanel(bool) override {}
       void ShowInstrumentLabels(const std::string&, const std::string&) override {}
       void ShowMapType(const std::string&) override {}
       void ShowOBSBox(const std::string&) override {}
     } host;
-    ui::MemorySettingsStore settings;
-    ui::QtSerialPort port(&settings);
     ui::ManualTimer timer1, timer2;
-    InstOptionsLogic dlg(state, dialogs, host, port, timer1, timer2);
+    InstrumentState& state = rig.state;
+    ui::QtSerialPort& port = rig.set;  // the dialog takes the port over
+    InstOptionsLogic dlg(state, rig.dialogs, host, port, timer1, timer2);
     if (c.leica) {
       dlg.PickOption(InstOption::Option24);
       ASSERT_TRUE(SpinUntil([&] { return !port.PortOpen(); }));  // the type word closes the port
