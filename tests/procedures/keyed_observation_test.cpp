@@ -1,7 +1,10 @@
-// Readings typed as a surveyor keys them.
+// Readings typed as a surveyor keys them, and the choice of an .OBS file to import.
 #include <gtest/gtest.h>
 
+#include "core/temp_home.h"
 #include "geo/angles.h"
+#include "platform/scripted/scripted.h"
+#include "procedures/import_obs.h"
 #include "procedures/keyed_observation.h"
 
 namespace tavik {
@@ -15,6 +18,10 @@ TEST(KeyedObservation, AcceptsDddmmssAndLeavesAnInstrumentsAnswer) {
   EXPECT_EQ(inst.ObsHz, PackedToRadians(1234512));
   EXPECT_EQ(inst.ObsV, PackedToRadians(901530));
   EXPECT_EQ(inst.ObsSlope, 25.5);
+  // A fraction of a second stays in radians; the packed reading drops it.
+  ASSERT_FALSE(KeyinObservation(inst, "450512.5", "900000", "1").has_value());
+  EXPECT_EQ(inst.ObsHzRaw, 450512);
+  EXPECT_EQ(inst.ObsHz, PackedToRadians(450512.5));
 }
 
 TEST(KeyedObservation, RefusalsChangeNothing) {
@@ -42,23 +49,6 @@ TEST(KeyedObservation, RefusalsChangeNothing) {
     EXPECT_EQ(inst.ObsHzRaw, 0);
   }
 }
-
-TEST(KeyedObservation, FractionOfASecondIsKeptInRadians) {
-  InstrumentState inst;
-  ASSERT_FALSE(KeyinObservation(inst, "450512.5", "900000", "1").has_value());
-  EXPECT_EQ(inst.ObsHzRaw, 450512);
-  EXPECT_EQ(inst.ObsHz, PackedToRadians(450512.5));
-}
-
-}  // namespace
-}  // namespace tavik
-
-#include "core/temp_home.h"
-#include "platform/scripted/scripted.h"
-#include "procedures/import_obs.h"
-
-namespace tavik {
-namespace {
 
 TEST(ImportObs, ChecksTheChosenFile) {
   testing::TempHome home;

@@ -40,6 +40,15 @@ struct Setup : testing::SurveyFixture {
       ReducePoint(ctx);
     }
   }
+  // The shots from `first` on land on the targets (E, N within tolEN, H exactly).
+  void ExpectOnTargets(int first, double tolEN) {
+    ASSERT_EQ(doc.PointCount, first + 4);
+    for (int i = 0; i < 4; ++i) {
+      EXPECT_NEAR(doc.PointTable[first + i].E, kTargets[i].E, tolEN) << i;
+      EXPECT_NEAR(doc.PointTable[first + i].N, kTargets[i].N, tolEN) << i;
+      EXPECT_NEAR(doc.PointTable[first + i].H, kTargets[i].H, 1e-6) << i;
+    }
+  }
 };
 
 TEST_F(Setup, UserDialogThenShots) {
@@ -87,12 +96,7 @@ TEST_F(Setup, UserDialogThenShots) {
 
   // The map now reads true: shots land on the scene's targets.
   ShootTargets(1000, 2000, 50, 1.5, 1.3);
-  ASSERT_EQ(doc.PointCount, 2 + 4);
-  for (int i = 0; i < 4; ++i) {
-    EXPECT_NEAR(doc.PointTable[2 + i].E, kTargets[i].E, 1e-6) << i;
-    EXPECT_NEAR(doc.PointTable[2 + i].N, kTargets[i].N, 1e-6) << i;
-    EXPECT_NEAR(doc.PointTable[2 + i].H, kTargets[i].H, 1e-6) << i;
-  }
+  ExpectOnTargets(2, 1e-6);
   EXPECT_EQ(Lines(".OBS").size(), 3u + 4);
 }
 
@@ -138,7 +142,15 @@ struct Fit : Setup {
 TEST_F(Fit, ListsControlPointsAndRefusesBadPairs) {
   FitDialogLogic dlg(ctx);
   EXPECT_EQ(dlg.Combo1, (std::vector<std::string>{"K1", "K2", "K3"}));
+  // OK checks in order: station, backsight, an observation.
+  EXPECT_FALSE(dlg.OKButton());
+  EXPECT_EQ(dlg.Text5, "尚未指定測站");
   ASSERT_TRUE(dlg.ChooseStation("K1"));
+  EXPECT_FALSE(dlg.OKButton());
+  EXPECT_EQ(dlg.Text5, "沒有指定後視");
+  dlg.Command3();
+  EXPECT_EQ(dialogs.Messages().back(), "請指定後視點");
+  EXPECT_EQ(link.shots, 0);
   EXPECT_FALSE(dlg.ChooseBacksight("K1"));
   EXPECT_EQ(dialogs.shown.back().title, "錯誤!");
   EXPECT_EQ(dialogs.shown.back().text, "測站和後視同一點");
@@ -147,21 +159,8 @@ TEST_F(Fit, ListsControlPointsAndRefusesBadPairs) {
   EXPECT_EQ(dialogs.shown.back().title, "警告");
   EXPECT_EQ(dialogs.shown.back().text, "兩點距離有問題!");
   EXPECT_EQ(dlg.Label9, "0.050");
-  // OK without an observation.
   EXPECT_FALSE(dlg.OKButton());
   EXPECT_EQ(dlg.Text5, "角度或距離至少要有一個");
-}
-
-TEST_F(Fit, OkChecksInOrder) {
-  FitDialogLogic dlg(ctx);
-  EXPECT_FALSE(dlg.OKButton());
-  EXPECT_EQ(dlg.Text5, "尚未指定測站");
-  dlg.ChooseStation("K1");
-  EXPECT_FALSE(dlg.OKButton());
-  EXPECT_EQ(dlg.Text5, "沒有指定後視");
-  dlg.Command3();
-  EXPECT_EQ(dialogs.Messages().back(), "請指定後視點");
-  EXPECT_EQ(link.shots, 0);
 }
 
 TEST_F(Fit, DistanceShotThenSurvey) {
@@ -188,12 +187,7 @@ TEST_F(Fit, DistanceShotThenSurvey) {
   EXPECT_EQ(obs[1], "K1,1000.000,2000.000,50.000,1.50");
   EXPECT_EQ(obs[2], "K2,1100.000,2000.000,52.000, 1234512 , 901530 ," + num::Format(inst.ObsSlope, "0.000"));
   ShootTargets(1000, 2000, 50, 1.5, 1.3);
-  for (int i = 0; i < 4; ++i) {
-    // The pair azimuth's 0.0001 nudge turns the circle by a microradian.
-    EXPECT_NEAR(doc.PointTable[i].E, kTargets[i].E, 2e-4) << i;
-    EXPECT_NEAR(doc.PointTable[i].N, kTargets[i].N, 2e-4) << i;
-    EXPECT_NEAR(doc.PointTable[i].H, kTargets[i].H, 1e-6) << i;
-  }
+  ExpectOnTargets(0, 2e-4);  // the pair azimuth's 0.0001 nudge turns the circle by a microradian
 }
 
 TEST_F(Fit, TypedReadingAndTheGtsAcknowledge) {

@@ -101,23 +101,6 @@ TEST_F(Stakeout, TargetSearchOrder) {
   EXPECT_FALSE(dlg.TargetChosen);
 }
 
-TEST_F(Stakeout, BaseMapLineTakesTheNearerEnd) {
-  StackOutLogic dlg(ctx, nullptr);
-  BaseMapLine b;
-  b.Kind = KindLine;
-  b.X[0] = 1010;
-  b.Y[0] = 2010;
-  b.X[1] = 1010.5;
-  b.Y[1] = 2010;
-  doc.BaseMapTable.push_back(b);
-  doc.BaseMapCount = 1;
-  auto [x, y] = PixelOf(1010.4, 2010);
-  ASSERT_TRUE(dlg.ChooseTarget(x, y));
-  EXPECT_EQ(dlg.StakeTargetE, 1010.5);
-  EXPECT_EQ(dlg.StakeTargetCode, 131);
-  EXPECT_EQ(survey.StakeTargetName, "1");
-}
-
 TEST_F(Stakeout, RoboticTurnCommands) {
   AddPoint(doc, view, work, 1030, 2040, 51);
   auto [x, y] = PixelOf(1030, 2040);
@@ -195,21 +178,36 @@ TEST_F(Stakeout, SetLinesDriveTheGuideAndRecord) {
   EXPECT_TRUE(dlg.Command5Enabled);
 }
 
-TEST_F(Stakeout, NamelessTargetVanishesAtStop) {
-  BaseMapLine b;
-  b.Kind = KindPoint;
-  b.X[0] = 1030;
-  b.Y[0] = 2040;
-  doc.BaseMapTable.push_back(b);
-  doc.BaseMapCount = 1;
-  StackOutLogic dlg(ctx, nullptr);
-  auto [x, y] = PixelOf(1030, 2040);
-  ASSERT_TRUE(dlg.ChooseTarget(x, y));
-  EXPECT_EQ(survey.StakeTargetName, "NoName");
-  dlg.Command18();
-  EXPECT_FALSE(dlg.TargetChosen);
-  EXPECT_EQ(dlg.StakeTargetE, 0);
-  EXPECT_EQ(dlg.StakeTargetCode, 0);
+TEST_F(Stakeout, BaseMapTargets) {
+  const struct {
+    int16_t kind;
+    double pickE, wantE;
+    const char* wantName;
+  } cases[] = {
+      {KindLine, 1010.4, 1010.5, "1"},  // a line gives its nearer end
+      {KindPoint, 1010, 1010, "NoName"},
+  };
+  for (const auto& c : cases) {
+    BaseMapLine b;
+    b.Kind = c.kind;
+    b.X[0] = 1010;
+    b.X[1] = 1010.5;
+    b.Y[0] = b.Y[1] = 2010;
+    doc.BaseMapTable = {b};
+    doc.BaseMapCount = 1;
+    StackOutLogic dlg(ctx, nullptr);
+    auto [x, y] = PixelOf(c.pickE, 2010);
+    ASSERT_TRUE(dlg.ChooseTarget(x, y)) << c.wantName;
+    EXPECT_EQ(dlg.StakeTargetE, c.wantE) << c.wantName;
+    EXPECT_EQ(dlg.StakeTargetCode, 131);
+    EXPECT_EQ(survey.StakeTargetName, c.wantName);
+    // At stop a nameless target vanishes; a named one stays.
+    const bool nameless = std::string(c.wantName) == "NoName";
+    dlg.Command18();
+    EXPECT_EQ(dlg.TargetChosen, !nameless) << c.wantName;
+    EXPECT_EQ(dlg.StakeTargetE, nameless ? 0 : c.wantE) << c.wantName;
+    EXPECT_EQ(dlg.StakeTargetCode, nameless ? 0 : 131);
+  }
 }
 
 }  // namespace

@@ -104,12 +104,8 @@ struct SurveyFixture : public ::testing::Test {
     window.inst = &inst;
     SetDocumentName(doc, (home.path / "field").string());
     work.CreateEmpty();
-    view.ScreenMinE = 0;
-    view.ScreenMaxE = 1e7;
-    view.ScreenMinN = 0;
-    view.ScreenMaxN = 1e7;
-    view.PaperMinE = view.ScreenMinE;
-    view.PaperMaxN = view.ScreenMaxN;
+    view.ScreenMinE = view.ScreenMinN = view.PaperMinE = 0;
+    view.ScreenMaxE = view.ScreenMaxN = view.PaperMaxN = 1e7;
     ctx.link.StartShot = [this] { ++link.shots; };
     ctx.link.Send = [this](Request r) { link.requests.push_back(r); return true; };
     ctx.link.Write = [this](Channel c, const std::string& b) {
