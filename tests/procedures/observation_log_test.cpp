@@ -34,23 +34,9 @@ TEST(ObservationLog, ObsRecords) {
 }
 
 TEST(ObservationLog, StakeLine) {
-  StakeRecord r;
-  r.TargetName = "P7";
-  r.E = 1000.1234;
-  r.N = 2000;
-  r.H = 50.5;
-  r.StationName = "A1";
-  r.StationE = 900;
-  r.StationN = 1900;
-  r.StationH = 49;
-  r.InstrumentHeight = 1.5;
-  r.BacksightName = " A2  ";
-  r.BacksightE = 1100;
-  r.BacksightN = 1900;
-  r.HzRaw = 450512;
-  r.VRaw = 901530;
-  r.Slope = 141.4213;
-  r.TargetHeight = 1.3;
+  // Target, station with instrument height, backsight, readings, target height.
+  const StakeRecord r{"P7",    1000.1234, 2000, 50.5,   "A1",   900,      1900, 49,
+                      1.5,     " A2  ",   1100, 1900,   450512, 901530,   141.4213, 1.3};
   EXPECT_EQ(StakeLine(r),
             "P7,1000.123,2000.000,50.500,A1,900.000,1900.000,49.000, 1.5 ,A2,1100.000,1900.000,45-05-12.00,"
             "90-15-30,141.421, 1.3 ");

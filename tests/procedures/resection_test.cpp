@@ -6,6 +6,7 @@
 
 #include "core/record_text.h"
 #include "geo/angles.h"
+#include "instruments/fake_port.h"
 #include "procedures/resect_dialog.h"
 #include "procedures/resection.h"
 #include "survey_fixture.h"
@@ -96,21 +97,6 @@ TEST(Resection, DegenerateCases) {
   EXPECT_EQ(r.StationH, 0);
 }
 
-// The dialog over a port that records what it is sent.
-class RecordingPort : public ui::SerialPort {
- public:
-  bool open = false;
-  std::string written;
-  bool Open() override { return open = true; }
-  void Close() override { open = false; }
-  bool PortOpen() const override { return open; }
-  void Output(std::string_view b) override { written += b; }
-  std::string Error() const override { return ""; }
-  void Receive(const std::string& bytes) {
-    for (char c : bytes) OnByte(c);
-  }
-};
-
 std::string SetAnswerFor(const ResectSlot& s) {
   int16_t d = 0, m = 0;
   double sec = 0;
@@ -126,7 +112,7 @@ std::string SetAnswerFor(const ResectSlot& s) {
 }
 
 struct ResectDialog : testing::SurveyFixture {
-  RecordingPort port;
+  test::FakePort port;  // records what the dialog sends
   ResectDialog() {
     AddControl("P1", 1000, 2000, 50);
     AddControl("P2", 1080, 2010, 51);
