@@ -59,16 +59,12 @@ TEST(SoftwareIni, ChangedValuesReadBackExactly) {
   const fs::path f = d.path / "Software.ini";
   SoftwareIni a;
   a.MeasureMode = "GPS";
-  a.InstrumentKind = "DL-4";
   a.PortNumber = 7;
   a.BaudRate = 115200;
   a.ImuOffset[1] = -0.1234567890123;
   a.AutoNamePrefix = "碁A";
-  a.AutoSaveMinutes = 0;
-  a.CentralMeridian = 119;
   a.PointFeatureDisplay = 0.3f;
   a.RefColourInUse = false;
-  a.FineRotationStep = "30秒";
   a.ObservationBookTitle = "新北市地政事務所, 戶地";  // a comma inside the quotes
   ASSERT_TRUE(WriteSoftwareIni(f, a));
   SoftwareIni b;
