@@ -61,10 +61,14 @@ struct CanvasFixture {
       if (o.op == kind) out.push_back(o);
     return out;
   }
+  std::size_t CountColour(const std::string& kind, ui::Rgb colour) const {
+    std::size_t n = 0;
+    for (const auto& o : surface.ops) n += o.op == kind && o.colour == colour;
+    return n;
+  }
   std::vector<std::string> Texts() const {
     std::vector<std::string> out;
-    for (const auto& o : surface.ops)
-      if (o.op == "text") out.push_back(o.text);
+    for (const auto& o : Ops("text")) out.push_back(o.text);
     return out;
   }
 };
