@@ -11,23 +11,14 @@
 namespace tavik {
 namespace {
 
-using testing::ReadingTo;
-
 struct Pipeline : testing::SurveyFixture {
   // Station S1 on (1000, 2000, 50), instrument 1.5 high, the circle turned so that a
   // reading of 0 points at azimuth 30°.
   Pipeline() {
-    SetStation(1000, 2000, 50, DegreesToRadians(30));
+    trueOc = DegreesToRadians(30);
+    SetStation(1000, 2000, 50, trueOc);
     doc.InstrumentHeight = 1.5;
     doc.TargetHeight = 1.3;
-  }
-  void Deliver(double tE, double tN, double tH, double th) {
-    const auto r = ReadingTo(1000, 2000, 50, 1.5, doc.OrientationConstant, tE, tN, tH, th);
-    inst.ObsHz = r.hz;
-    inst.ObsV = r.v;
-    inst.ObsSlope = r.slope;
-    inst.ObsHzRaw = 1234512;  // the packed readings only go to the logs
-    inst.ObsVRaw = 901530;
   }
   std::string Slope() const { return num::Format(inst.ObsSlope, "0.000"); }
 };

@@ -12,8 +12,6 @@
 namespace tavik {
 namespace {
 
-using testing::ReadingTo;
-
 // The scene: control points K1, K2 and targets around them; the instrument's circle is
 // set so that a reading of 0 points at azimuth 123.4°.
 constexpr double kCircleZero = 123.4;
@@ -23,19 +21,11 @@ struct Target {
 const Target kTargets[] = {{1050, 2080, 51.2}, {960, 2030, 49.8}, {1010, 1930, 50.4}, {1100.5, 1999.9, 53}};
 
 struct Setup : testing::SurveyFixture {
-  double oc = DegreesToRadians(kCircleZero);
-  void Deliver(double sE, double sN, double sH, double ih, double tE, double tN, double tH, double th) {
-    const auto r = ReadingTo(sE, sN, sH, ih, oc, tE, tN, tH, th);
-    inst.ObsHz = r.hz;
-    inst.ObsV = r.v;
-    inst.ObsSlope = r.slope;
-    inst.ObsHzRaw = 1234512;
-    inst.ObsVRaw = 901530;
-  }
-  void ShootTargets(double sE, double sN, double sH, double ih, double th) {
+  Setup() { trueOc = DegreesToRadians(kCircleZero); }
+  void ShootTargets() {
     for (const Target& t : kTargets) {
-      dialogs.inputs.push_back(num::Plain(th));
-      Deliver(sE, sN, sH, ih, t.E, t.N, t.H, th);
+      dialogs.inputs.push_back("1.3");
+      Deliver(t.E, t.N, t.H, 1.3);
       inst.AwaitPointShot = kFalse;
       ReducePoint(ctx);
     }
@@ -73,7 +63,7 @@ TEST_F(Setup, UserDialogThenShots) {
   EXPECT_EQ(dialogs.Messages().back(), "需要後視座標");
   EXPECT_EQ(doc.PointCount, 0);
 
-  Deliver(1000, 2000, 50, 1.5, 1100, 2000, 52, 1.3);
+  Deliver(1100, 2000, 52, 1.3);
   inst.AwaitStationShot = kFalse;
   dlg.MeasurementReceiver();
   EXPECT_EQ(dlg.LabelBsx, "1100.000");
@@ -95,7 +85,7 @@ TEST_F(Setup, UserDialogThenShots) {
   EXPECT_EQ(obs[2].substr(0, 34), "A2,1100.000,2000.000,52.000, 12345");
 
   // The map now reads true: shots land on the scene's targets.
-  ShootTargets(1000, 2000, 50, 1.5, 1.3);
+  ShootTargets();
   ExpectOnTargets(2, 1e-6);
   EXPECT_EQ(Lines(".OBS").size(), 3u + 4);
 }
@@ -111,7 +101,7 @@ TEST_F(Setup, UserDialogForcedBacksightHeightAndAzimuthChangedAfterTheShot) {
   EXPECT_FALSE(dlg.ZboxEnabled);
   dlg.LabelBsz = "52";
   dlg.Measure();
-  Deliver(1000, 2000, 50, 1.5, 1100, 2000, 52, 1.3);
+  Deliver(1100, 2000, 52, 1.3);
   dlg.MeasurementReceiver();
   EXPECT_EQ(dlg.Zbox, "50.000");  // the station height follows the backsight's
   // A different azimuth typed afterwards recomputes from the same reading.
@@ -172,7 +162,7 @@ TEST_F(Fit, DistanceShotThenSurvey) {
   dlg.Command3();
   EXPECT_EQ(link.shots, 1);
   EXPECT_EQ(inst.AwaitFitShot, kTrue);
-  Deliver(1000, 2000, 50, 1.5, 1100, 2000, 52, 1.3);
+  Deliver(1100, 2000, 52, 1.3);
   inst.AwaitFitShot = kFalse;
   dlg.DistanceReceiver();
   EXPECT_EQ(dlg.Label10, "100.000平");
@@ -180,13 +170,13 @@ TEST_F(Fit, DistanceShotThenSurvey) {
   ASSERT_TRUE(dlg.OKButton());
   EXPECT_EQ(doc.StationSet, kTrue);
   // The pair azimuth nudges the zero dN of K1-K2 to 0.0001.
-  EXPECT_NEAR(doc.OrientationConstant, oc - std::atan(0.0001 / 100), 1e-9);
+  EXPECT_NEAR(doc.OrientationConstant, trueOc - std::atan(0.0001 / 100), 1e-9);
   EXPECT_EQ(File(".MAC"), "K1 K2\r\n");
   const auto obs = Lines(".OBS");
   ASSERT_EQ(obs.size(), 3u);
   EXPECT_EQ(obs[1], "K1,1000.000,2000.000,50.000,1.50");
   EXPECT_EQ(obs[2], "K2,1100.000,2000.000,52.000, 1234512 , 901530 ," + num::Format(inst.ObsSlope, "0.000"));
-  ShootTargets(1000, 2000, 50, 1.5, 1.3);
+  ShootTargets();
   ExpectOnTargets(0, 2e-4);  // the pair azimuth's 0.0001 nudge turns the circle by a microradian
 }
 
@@ -217,7 +207,7 @@ TEST_F(Fit, CancelRestoresTheFormerSetup) {
   dlg.Text4 = "1.5";
   dlg.Text3 = "1.3";
   dlg.Command3();
-  Deliver(1000, 2000, 50, 1.5, 1100, 2000, 52, 1.3);
+  Deliver(1100, 2000, 52, 1.3);
   dlg.DistanceReceiver();
   EXPECT_NE(doc.OrientationConstant, 0.25);
   dlg.CancelButton();

@@ -81,6 +81,23 @@ inline bool RecordingWindow::ShowKeyedObservation() {
   return !KeyinObservation(*inst, k[0], k[1], k[2]).has_value();
 }
 
+// Readings an instrument on (sE, sN, sH) with the given orientation constant would give
+// for a target: circle reading, zenith (face one), slope distance.
+struct Reading {
+  double hz, v, slope;
+};
+inline Reading ReadingTo(double sE, double sN, double sH, double ih, double oc, double tE, double tN, double tH,
+                         double th) {
+  const double dE = tE - sE, dN = tN - sN, dH = (tH + th) - (sH + ih);
+  double az = std::atan2(dE, dN);
+  if (az < 0) az += 2 * Pi;
+  double hz = az - oc;
+  while (hz < 0) hz += 2 * Pi;
+  while (hz >= 2 * Pi) hz -= 2 * Pi;
+  const double hd = std::sqrt(dE * dE + dN * dN);
+  return {hz, Pi / 2 - std::atan2(dH, hd), std::sqrt(hd * hd + dH * dH)};
+}
+
 // Writes of the link, per channel.
 struct RecordedLink {
   std::string set, top;
@@ -131,26 +148,21 @@ struct SurveyFixture : public ::testing::Test {
     doc.OrientationConstant = oc;
     doc.StationSet = kTrue;
   }
+  // The instrument on (1000, 2000, 50), 1.5 high, its circle zero at azimuth trueOc,
+  // reads the target (tE, tN, tH) under a prism th high. The packed readings only go
+  // to the logs.
+  double trueOc = 0;
+  void Deliver(double tE, double tN, double tH, double th) {
+    const Reading r = ReadingTo(1000, 2000, 50, 1.5, trueOc, tE, tN, tH, th);
+    inst.ObsHz = r.hz;
+    inst.ObsV = r.v;
+    inst.ObsSlope = r.slope;
+    inst.ObsHzRaw = 1234512;
+    inst.ObsVRaw = 901530;
+  }
   void AddControl(const std::string& name, double E, double N, double H, int16_t code = 113) {
     AddEntity(doc, view, work, code, E, N, H, name);
   }
 };
-
-// Readings an instrument on (sE, sN, sH) with the given orientation constant would give
-// for a target: circle reading, zenith (face one), slope distance.
-struct Reading {
-  double hz, v, slope;
-};
-inline Reading ReadingTo(double sE, double sN, double sH, double ih, double oc, double tE, double tN, double tH,
-                         double th) {
-  const double dE = tE - sE, dN = tN - sN, dH = (tH + th) - (sH + ih);
-  double az = std::atan2(dE, dN);
-  if (az < 0) az += 2 * Pi;
-  double hz = az - oc;
-  while (hz < 0) hz += 2 * Pi;
-  while (hz >= 2 * Pi) hz -= 2 * Pi;
-  const double hd = std::sqrt(dE * dE + dN * dN);
-  return {hz, Pi / 2 - std::atan2(dH, hd), std::sqrt(hd * hd + dH * dH)};
-}
 
 }  // namespace tavik::testing
