@@ -1,4 +1,5 @@
 // Shapes drawn by pen: rectangles, circles, arcs and chains, with their refusals.
+#include <array>
 #include <cmath>
 
 #include "edit_fixture.h"
@@ -10,37 +11,34 @@ constexpr double kPi = 3.14159265358979;
 
 class Shapes : public EditFixture {
  protected:
-  // Three points at distance 10 from B = (1000, 2000) at azimuths a and a + angle.
-  void Corner(double angleDeg) {
-    const double a1 = 30 / 180.0 * kPi, a2 = (30 + angleDeg) / 180.0 * kPi;
-    Pt(1000 + 10 * std::sin(a1), 2000 + 10 * std::cos(a1));
-    Pt(1000, 2000);
-    Pt(1000 + 10 * std::sin(a2), 2000 + 10 * std::cos(a2));
-  }
   void PickAll() {
     for (const auto& p : std::vector<Point>(doc.PointTable)) Click(p.E, p.N);
+  }
+  void ClearTables() {
+    doc.EntityTable.clear(), doc.EntityCount = 0, doc.ScreenEntityTable.clear(), doc.ScreenEntityCount = 0;
+    doc.PointTable.clear(), doc.PointCount = 0, doc.ScreenPointTable.clear(), doc.ScreenPointCount = 0;
+    dialogs.shown.clear();
+  }
+  void Pts(std::initializer_list<std::array<double, 3>> pts) {
+    for (const auto& p : pts) Pt(p[0], p[1], p[2]);
   }
 };
 
 TEST_F(Shapes, RectangleCornerMustBeStrictlyBetween85And95Degrees) {
-  struct Case {
-    double angle;
-    bool made;
-  } cases[] = {{84.9, false}, {85.1, true}, {90, true}, {94.9, true}, {95.1, false}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.angle);
-    doc.EntityTable.clear(), doc.EntityCount = 0, doc.ScreenEntityTable.clear(), doc.ScreenEntityCount = 0;
-    doc.PointTable.clear(), doc.PointCount = 0, doc.ScreenPointTable.clear(), doc.ScreenPointCount = 0;
-    dialogs.shown.clear();
+  for (const double angle : {84.9, 85.1, 90.0, 94.9, 95.1}) {
+    SCOPED_TRACE(angle);
+    const bool made = angle > 85 && angle < 95;
+    ClearTables();
     ed.Toolbar2Click(mode::RECT);
-    Corner(c.angle);
+    // Three points at distance 10 from the corner (1000, 2000), at azimuths 30 and 30 + angle.
+    const double a1 = 30 / 180.0 * kPi, a2 = (30 + angle) / 180.0 * kPi;
+    Pts({{1000 + 10 * std::sin(a1), 2000 + 10 * std::cos(a1), 0},
+         {1000, 2000, 0},
+         {1000 + 10 * std::sin(a2), 2000 + 10 * std::cos(a2), 0}});
     PickAll();
-    EXPECT_EQ(Live(KindLine).size(), c.made ? 4u : 0u);
-    if (!c.made) {
-      ASSERT_EQ(Messages().size(), 1u);
-      EXPECT_EQ(Messages()[0], "角度不成矩形");
-      EXPECT_EQ(dialogs.shown[0].title, "錯誤");
-    }
+    EXPECT_EQ(Live(KindLine).size(), made ? 4u : 0u);
+    EXPECT_EQ(Messages(), made ? std::vector<std::string>{} : std::vector<std::string>{"角度不成矩形"});
+    for (const auto& s : dialogs.shown) EXPECT_EQ(s.title, "錯誤");
     EXPECT_EQ(ed.Buffers[static_cast<int>(Shape::Rectangle)].Count, 0);
   }
 }
@@ -49,16 +47,11 @@ TEST_F(Shapes, RectangleClosesTheParallelogramAndRotatesRoles) {
   doc.CurrentLegend = 407;
   ed.Toolbar2Click(mode::RECT);
   // The right angle lies at the third pick; the roles rotate until it is the corner.
-  Pt(1000, 2000, 10);
-  Pt(1010, 2010, 12);
-  Pt(1010, 2000, 11);
+  Pts({{1000, 2000, 10}, {1010, 2010, 12}, {1010, 2000, 11}});
   PickAll();
   const auto lines = Live(KindLine);
   ASSERT_EQ(lines.size(), 4u);
-  for (const auto& l : lines) {
-    EXPECT_EQ(l.Code, 407);
-    EXPECT_EQ(l.Name, "");
-  }
+  for (const auto& l : lines) EXPECT_EQ(l.Code, 407);
   // A = (1010, 2010), B = (1010, 2000) corner, C = (1000, 2000): D = (1000, 2010), with
   // the lower of A's and C's heights.
   EXPECT_NEAR(lines[2].X[1], 1000, 0.001);
@@ -66,21 +59,16 @@ TEST_F(Shapes, RectangleClosesTheParallelogramAndRotatesRoles) {
   EXPECT_EQ(lines[2].Z[1], 10);
   EXPECT_EQ(lines[3].X[1], lines[0].X[0]);
   EXPECT_EQ(doc.MapChanged, kTrue);
-  // Journalled line by line.
   EXPECT_EQ(JournalLines(work.Paths().TempS0()).size(), 4u);
   EXPECT_EQ(ed.Ptr.ActionMode, mode::RECT);  // the mode stays for the next rectangle
 }
 
 TEST_F(Shapes, RepeatedPointsAreRefusedAndMayBePickedAgain) {
-  Pt(1000, 2000);
-  Pt(1010, 2000);
-  Pt(1010, 2010);
+  Pts({{1000, 2000, 0}, {1010, 2000, 0}, {1010, 2010, 0}});
   ed.Toolbar2Click(mode::RECT);
-  Click(1000, 2000);
-  Click(1000, 2000);  // second equals first
-  Click(1010, 2000);
-  Click(1000, 2000);  // third equals first
-  Click(1010, 2000);  // third equals second
+  // The second equals the first, then the third the first and the second.
+  for (const auto& [E, N] : {std::pair{1000, 2000}, {1000, 2000}, {1010, 2000}, {1000, 2000}, {1010, 2000}})
+    Click(E, N);
   ASSERT_EQ(Messages(), (std::vector<std::string>{"一二兩點同點", "一三兩點同點", "二三兩點同點"}));
   for (const auto& s : dialogs.shown) EXPECT_EQ(s.title, "錯誤");
   EXPECT_EQ(ed.Buffers[static_cast<int>(Shape::Rectangle)].Count, 2);
@@ -91,50 +79,39 @@ TEST_F(Shapes, RepeatedPointsAreRefusedAndMayBePickedAgain) {
 TEST_F(Shapes, PointCloserThanTenCentimetresIsDroppedSilently) {
   doc.ScaleDenominator = 1;  // 3250 pixels to the metre, so the two picks are apart
   view::ComputeView(doc, view);
-  Pt(1000, 2000);
-  Pt(1000.05, 2000);
+  Pts({{1000, 2000, 0}, {1000.05, 2000, 0}});
   ed.Toolbar2Click(mode::P2C);
-  Click(1000, 2000);
-  Click(1000.05, 2000);
+  PickAll();
   EXPECT_TRUE(Messages().empty());
   EXPECT_TRUE(Live().empty());
   EXPECT_EQ(ed.Buffers[static_cast<int>(Shape::Circle2)].Count, 1);
 }
 
-TEST_F(Shapes, CircleByCentreAndRimCarriesItsAreaLabel) {
-  Pt(1000, 2000, 5);
-  Pt(1003, 2004, 6);
+TEST_F(Shapes, CirclesCarryTheirAreaLabelAndArcsNone) {
+  Pts({{1000, 2000, 5}, {1003, 2004, 6}});
   ed.Toolbar2Click(mode::P2C);
   PickAll();
   ASSERT_EQ(Live().size(), 2u);
-  const Entity circle = Live(KindCircle2).at(0);
-  EXPECT_EQ(circle.Code, 301);
-  EXPECT_EQ(circle.X[0], 1000);
-  EXPECT_EQ(circle.Y[1], 2004);
-  const Entity label = Live(KindPoint).at(0);
+  const Entity circle = Live(KindCircle2).at(0), label = Live(KindPoint).at(0);
+  EXPECT_EQ((std::array{circle.X[0], circle.Y[0], circle.X[1], circle.Y[1]}),
+            (std::array{1000.0, 2000.0, 1003.0, 2004.0}));
   EXPECT_EQ(label.Code, 13);
-  EXPECT_EQ(label.X[0], 1000);
-  EXPECT_EQ(label.Y[0], 2000);
+  EXPECT_EQ((std::array{label.X[0], label.Y[0]}), (std::array{1000.0, 2000.0}));
   EXPECT_DOUBLE_EQ(label.Z[0], 25 * kPi);
-  EXPECT_EQ(label.X[1], 0);
-  EXPECT_EQ(label.Name, "");
   bool labelDrawn = false;
   for (const auto& op : surface.ops) labelDrawn |= op.op == "text" && op.text == "78.5398㎡";
   EXPECT_TRUE(labelDrawn);
-}
 
-TEST_F(Shapes, CircleAndArcThroughThreePoints) {
-  Pt(1000, 2000, 1);
-  Pt(1005, 2005, 2);
-  Pt(1010, 2000, 3);
+  // Through three points: centre (1005, 2000), radius 5.
+  ClearTables();
+  Pts({{1000, 2000, 1}, {1005, 2005, 2}, {1010, 2000, 3}});
   ed.Toolbar2Click(mode::P3C);
   PickAll();
-  const Entity label = Live(KindPoint).at(0);
-  EXPECT_NEAR(label.X[0], 1005, 1e-3);
-  EXPECT_NEAR(label.Y[0], 2000, 1e-3);
-  EXPECT_NEAR(label.Z[0], 25 * kPi, 1e-2);
+  const Entity label3 = Live(KindPoint).at(0);
+  EXPECT_NEAR(label3.X[0], 1005, 1e-3);
+  EXPECT_NEAR(label3.Y[0], 2000, 1e-3);
+  EXPECT_NEAR(label3.Z[0], 25 * kPi, 1e-2);
   EXPECT_EQ(Live(KindCircle3).size(), 1u);
-
   ed.Toolbar2Click(mode::ARC);
   PickAll();
   ASSERT_EQ(Live(KindArc3).size(), 1u);
@@ -143,9 +120,7 @@ TEST_F(Shapes, CircleAndArcThroughThreePoints) {
 }
 
 TEST_F(Shapes, CollinearCircleAndArcAreRefused) {
-  Pt(1000, 2000);
-  Pt(1005, 2000);
-  Pt(1010, 2000);
+  Pts({{1000, 2000, 0}, {1005, 2000, 0}, {1010, 2000, 0}});
   for (const std::string& m : {mode::P3C, mode::ARC}) {
     SCOPED_TRACE(m);
     dialogs.shown.clear();
@@ -159,9 +134,7 @@ TEST_F(Shapes, CollinearCircleAndArcAreRefused) {
 TEST_F(Shapes, SectionArcAsksForANewName) {
   doc.CurrentLegend = 520;
   ASSERT_TRUE(AddEntity(doc, view, work, 520, KindLine, 900, 1900, 0, 901, 1900, 0, 0, 0, 0, "S1"));
-  Pt(1000, 2000);
-  Pt(1005, 2005);
-  Pt(1010, 2000);
+  Pts({{1000, 2000, 0}, {1005, 2005, 0}, {1010, 2000, 0}});
   dialogs.inputs = {"S1", " S2 "};
   ed.Toolbar2Click(mode::ARC);
   PickAll();
@@ -169,9 +142,7 @@ TEST_F(Shapes, SectionArcAsksForANewName) {
   EXPECT_EQ(dialogs.shown[1].title, "發現重覆名稱");
   ASSERT_EQ(Live(KindArc3).size(), 1u);
   EXPECT_EQ(Live(KindArc3)[0].Name, "S2");
-
-  // A cancelled name gives the arc up.
-  ed.Toolbar2Click(mode::ARC);
+  ed.Toolbar2Click(mode::ARC);  // a cancelled name gives the arc up
   PickAll();
   EXPECT_EQ(Live(KindArc3).size(), 1u);
 }
@@ -180,9 +151,7 @@ TEST_F(Shapes, PicksOnNothingDoNothing) {
   Pt(1000, 2000);
   for (const std::string& m : {mode::RECT, mode::P2C, mode::P3C, mode::ARC, mode::Line}) {
     ed.Toolbar2Click(m);
-    Click(1003, 2003);
-    Click(1006, 2006);
-    Click(1009, 2009);
+    for (const double d : {3, 6, 9}) Click(1000 + d, 2000 + d);
     EXPECT_EQ(ed.Ptr.ActionMode, m);
   }
   EXPECT_TRUE(Messages().empty());
@@ -190,42 +159,34 @@ TEST_F(Shapes, PicksOnNothingDoNothing) {
   EXPECT_EQ(ed.Ptr.LineInProgress, kFalse);
 }
 
-class Chains : public EditFixture {
+class Chains : public Shapes {
  protected:
   void Square() {
-    Pt(1000, 2000);
-    Pt(1010, 2000);
-    Pt(1010, 2010);
+    Pts({{1000, 2000, 0}, {1010, 2000, 0}, {1010, 2010, 0}});
     ed.Toolbar2Click(mode::Line);
-    Click(1000, 2000);
-    Click(1010, 2000);
-    Click(1010, 2010);
+    PickAll();
   }
 };
 
-TEST_F(Chains, LowerCaseCClosesTheChain) {
+TEST_F(Chains, LowerCaseCClosesTheChainAndARightPressEndsIt) {
   Square();
   EXPECT_EQ(ed.Ptr.LineInProgress, kTrue);
   EXPECT_EQ(ed.Ptr.ChainCount, 3);
   EXPECT_TRUE(ed.KeyPress('c'));
   const auto lines = Live(KindLine);
   ASSERT_EQ(lines.size(), 3u);
-  EXPECT_EQ(lines[2].X[0], 1010);
-  EXPECT_EQ(lines[2].Y[0], 2010);
-  EXPECT_EQ(lines[2].X[1], 1000);
-  EXPECT_EQ(lines[2].Y[1], 2000);
+  EXPECT_EQ((std::array{lines[2].X[0], lines[2].Y[0], lines[2].X[1], lines[2].Y[1]}),
+            (std::array{1010.0, 2010.0, 1000.0, 2000.0}));
   EXPECT_EQ(ed.Ptr.LineInProgress, kFalse);
   EXPECT_EQ(ed.Ptr.ChainCount, 0);
   EXPECT_EQ(ed.Ptr.ActionMode, mode::Line);
   EXPECT_FALSE(ed.KeyPress('c'));  // no chain: nothing more
   EXPECT_EQ(Live(KindLine).size(), 3u);
-}
 
-TEST_F(Chains, RightPressEndsTheChainWithoutClosing) {
-  Square();
+  PickAll();  // a new chain of two lines, ended by a right press without closing
   ed.MouseDownAt(RightButton, 1020, 2020);
   EXPECT_EQ(ed.Ptr.LineInProgress, kFalse);
-  EXPECT_EQ(Live(KindLine).size(), 2u);
+  EXPECT_EQ(Live(KindLine).size(), 5u);
   EXPECT_TRUE(host.inquiry.empty());  // a right press in a mode is no inquiry
 }
 
@@ -249,8 +210,7 @@ TEST_F(Chains, MiddleButtonPansInTheMiddleOfAChain) {
   ed.MouseDownAt(MiddleButton, 1005, 2005);
   ed.MouseMoveAt(MiddleButton, 1006, 2006);
   ed.MouseUpAt(MiddleButton, 1006, 2006);
-  EXPECT_EQ(host.calls.back(), "EndPan");
-  EXPECT_EQ(host.Count("BeginPan"), 1);
+  EXPECT_EQ(host.calls, (std::vector<std::string>{"BeginPan", "MovePan", "EndPan"}));
   EXPECT_EQ(ed.Ptr.LineInProgress, kTrue);
   EXPECT_EQ(ed.Ptr.ChainCount, 3);
 }
@@ -262,11 +222,9 @@ TEST_F(Chains, SectionChainIsNamedOnceAtTheEnd) {
   RightClick(1020, 2020);
   const auto lines = Live(KindLine);
   ASSERT_EQ(lines.size(), 2u);
-  EXPECT_EQ(lines[0].Name, "X1");
-  EXPECT_EQ(lines[1].Name, "X1");
+  EXPECT_EQ((std::array{lines[0].Name, lines[1].Name}), (std::array<std::string, 2>{"X1", "X1"}));
   EXPECT_EQ(dialogs.shown.at(0).text, "請輸入斷面名稱:");
-  // The journal was rewritten with the names.
-  const auto journal = JournalLines(work.Paths().TempS0());
+  const auto journal = JournalLines(work.Paths().TempS0());  // rewritten with the names
   ASSERT_EQ(journal.size(), 2u);
   EXPECT_NE(journal[1].find("\"X1"), std::string::npos);
 }
@@ -280,12 +238,10 @@ TEST_F(Chains, MeasuredPointsCompleteTheFlaggedShape) {
   ed.MeasuredPointAdded();
   EXPECT_EQ(Live(KindLine).size(), 1u);
   EXPECT_EQ(ed.Flag, MeasuredShape::None);
-
   ed.KeyDown(Editor::KeyF8, false);
   Pt(1010, 2010);
   ed.MeasuredPointAdded();
   EXPECT_EQ(Live(KindLine).size(), 5u);
-
   ed.KeyDown(Editor::KeyF5, false);
   Pt(1010, 2010);  // the same place again: refused, nothing made
   ed.MeasuredPointAdded();
