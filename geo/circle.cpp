@@ -47,19 +47,31 @@ double IntoTurn(double a) {
 
 }  // namespace
 
-bool ArcMidPoint(ui::Dialogs& dialogs, int16_t mapType, double E1, double N1, double H1, double E2, double N2,
-                 double E3, double N3, double H3, double& Em, double& Nm, double& Hm) {
-  const double c = Cross3(E1, N1, E2, N2, E3, N3);
+// The common start of the drawn and the halved arc: refuse three collinear points with
+// the message, keep the points apart (in the caller's copies), find the centre and the
+// azimuths of the two ends seen from it.
+static bool ArcFrame(ui::Dialogs& dialogs, double& E1, double& N1, double& E2, double& N2, double& E3, double& N3,
+                     double& c, double& Ec, double& Nc, double& az1, double& az3) {
+  c = Cross3(E1, N1, E2, N2, E3, N3);
   if (c == 0) {
     dialogs.MsgBox("錯誤:三點共線.");
     return false;
   }
   SeparationNudge(E1, N1, E2, N2, E3, N3);
-  double Ec = 0, Nc = 0;
+  Ec = 0;
+  Nc = 0;
   CircleCentre3(E1, N1, E2, N2, E3, N3, Ec, Nc);
-  double a1 = 0, a3 = 0;
-  CentreAzimuth(Ec, Nc, E1, N1, a1);
-  CentreAzimuth(Ec, Nc, E3, N3, a3);
+  az1 = 0;
+  az3 = 0;
+  CentreAzimuth(Ec, Nc, E1, N1, az1);
+  CentreAzimuth(Ec, Nc, E3, N3, az3);
+  return true;
+}
+
+bool ArcMidPoint(ui::Dialogs& dialogs, int16_t mapType, double E1, double N1, double H1, double E2, double N2,
+                 double E3, double N3, double H3, double& Em, double& Nm, double& Hm) {
+  double c = 0, Ec = 0, Nc = 0, a1 = 0, a3 = 0;
+  if (!ArcFrame(dialogs, E1, N1, E2, N2, E3, N3, c, Ec, Nc, a1, a3)) return false;
   if (c > 0) std::swap(a1, a3);
   if (a3 < a1) a3 += TwoPi;
   const double a = IntoTurn((a1 + a3) / 2);
@@ -80,17 +92,8 @@ bool ArcMidPoint(ui::Dialogs& dialogs, int16_t mapType, double E1, double N1, do
 
 bool DrawArc3(ui::Surface& paper, ui::Dialogs& dialogs, const View& view, double scaleDenominator, double E1,
               double N1, double E2, double N2, double E3, double N3, double& lengthPixels) {
-  const double c = Cross3(E1, N1, E2, N2, E3, N3);
-  if (c == 0) {
-    dialogs.MsgBox("錯誤:三點共線.");
-    return false;
-  }
-  SeparationNudge(E1, N1, E2, N2, E3, N3);
-  double Ec = 0, Nc = 0;
-  CircleCentre3(E1, N1, E2, N2, E3, N3, Ec, Nc);
-  double az1 = 0, az3 = 0;
-  CentreAzimuth(Ec, Nc, E1, N1, az1);
-  CentreAzimuth(Ec, Nc, E3, N3, az3);
+  double c = 0, Ec = 0, Nc = 0, az1 = 0, az3 = 0;
+  if (!ArcFrame(dialogs, E1, N1, E2, N2, E3, N3, c, Ec, Nc, az1, az3)) return false;
   // The surface counts counterclockwise from +E: 5π/2 - azimuth.
   double a1 = IntoTurn(Pi * 5 / 2 - az1), a2 = IntoTurn(Pi * 5 / 2 - az3);
   if (c < 0) std::swap(a1, a2);

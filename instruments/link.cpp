@@ -232,13 +232,7 @@ void TotalStationLink::OnTrimble(const std::string& frame) {
   TrimbleAnswer a = DecodeTrimble(frame);
   if (!a.enoughLines) return;
   picture.MsgObserve = false;
-  state_.ObsHzRaw = a.hzRaw;
-  state_.ObsVRaw = a.vRaw;
-  state_.ObsSlope = a.slope;
-  if (!state_.AwaitFitAngle && state_.ObsSlope <= 0) return;
-  picture.Label29 = RawAngleText(state_.ObsHzRaw);
-  picture.LabelZA = RawAngleText(state_.ObsVRaw);
-  CommonTail("資料錯誤");
+  TakeRawShot(a.hzRaw, a.vRaw, a.slope);
 }
 
 void TotalStationLink::OnTrimble3600(const std::string& frame) {
@@ -276,9 +270,15 @@ void TotalStationLink::OnPentax(const std::string& frame) {
     picture.OBSBox += "資料錯誤!!(資料不全)";
     return;
   }
-  state_.ObsHzRaw = a.hzRaw;
-  state_.ObsVRaw = a.vRaw;
-  state_.ObsSlope = a.slope;
+  TakeRawShot(a.hzRaw, a.vRaw, a.slope);
+}
+
+// The end of the families that answer with both raw angles and a slope distance: an
+// answer without a distance is dropped unless only the angle was asked for.
+void TotalStationLink::TakeRawShot(int32_t hzRaw, int32_t vRaw, double slope) {
+  state_.ObsHzRaw = hzRaw;
+  state_.ObsVRaw = vRaw;
+  state_.ObsSlope = slope;
   if (!state_.AwaitFitAngle && state_.ObsSlope <= 0) return;
   picture.Label29 = RawAngleText(state_.ObsHzRaw);
   picture.LabelZA = RawAngleText(state_.ObsVRaw);

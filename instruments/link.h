@@ -87,6 +87,7 @@ class TotalStationLink {
   void OnTrimble(const std::string& frame);
   void OnTrimble3600(const std::string& frame);
   void OnPentax(const std::string& frame);
+  void TakeRawShot(int32_t hzRaw, int32_t vRaw, double slope);
   void OnSet(const std::string& frame);
   // Face reminder, horizontal-distance test, labels and dispatch. `convert` false when
   // the caller has set ObsHz and ObsV itself; `passed` runs after the distance test.
