@@ -113,11 +113,13 @@ void Editor::ConstructionPick(const std::string& m, float x, float y, double E, 
     if (n > 10) n = 10;
     if (n < 2) return;
     const double dE = (l.X[1] - l.X[0]) / n, dN = (l.Y[1] - l.Y[0]) / n;
+    // Heights climb evenly where they are kept and both ends have one; otherwise every
+    // point takes the height of the end that has one (end 1 first), never a mean.
     const double H1 = l.Z[0], H2 = l.Z[1];
     const bool slope = doc.MapType == 1 && H1 > 0 && H2 > 0;
     const double dH = slope ? (H2 - H1) / n : 0;
     double H = NewPointH;
-    if (!slope) RuleOfHeights(H1 > 0 ? H1 : 0, H2 > 0 ? H2 : 0, H);
+    if (!slope) H = H1 > 0 ? H1 : H2 > 0 ? H2 : H;
     for (int i = 1; i < n; ++i) AddNewPoint(l.X[0] + i * dE, l.Y[0] + i * dN, slope ? H1 + i * dH : H);
     return;
   }
@@ -134,10 +136,9 @@ void Editor::ConstructionPick(const std::string& m, float x, float y, double E, 
     const PickedLine l = PickLine(x, y, 16, {KindLine});
     if (!l.Found) return;
     double E1 = l.X[0], N1 = l.Y[0], E2 = l.X[1], N2 = l.Y[1];
-    Foot foot;
-    FootOnSegment3(FirstPick.E, FirstPick.N, E1, N1, l.Z[0], E2, N2, l.Z[1], doc.MapType, foot);
+    FootOnSegment3(FirstPick.E, FirstPick.N, E1, N1, l.Z[0], E2, N2, l.Z[1], doc.MapType, LastFoot);
     SetMode("");
-    AddNewPoint(foot.FootE, foot.FootN, foot.FootH);
+    AddNewPoint(LastFoot.FootE, LastFoot.FootN, LastFoot.FootH);
     return;
   }
 
@@ -146,10 +147,9 @@ void Editor::ConstructionPick(const std::string& m, float x, float y, double E, 
     const PickedLine l = PickLine(x, y, 8, {KindLine});
     if (!l.Found) return;
     double E1 = l.X[0], N1 = l.Y[0], E2 = l.X[1], N2 = l.Y[1];
-    Foot foot;
-    FootOnSegment3(E, N, E1, N1, l.Z[0], E2, N2, l.Z[1], doc.MapType, foot);
+    FootOnSegment3(E, N, E1, N1, l.Z[0], E2, N2, l.Z[1], doc.MapType, LastFoot);
     SetMode("");
-    AddNewPoint(foot.FootE, foot.FootN, foot.FootH);
+    AddNewPoint(LastFoot.FootE, LastFoot.FootN, LastFoot.FootH);
     return;
   }
 
@@ -165,9 +165,8 @@ void Editor::ConstructionPick(const std::string& m, float x, float y, double E, 
     IntersectLines(X1, a.Y[0], a.X[1], a.Y[1], b.X[0], b.Y[0], b.X[1], b.Y[1], iE, iN, ok);
     if (!ok) return;
     double E1 = a.X[0], N1 = a.Y[0], E2 = a.X[1], N2 = a.Y[1];
-    Foot foot;
-    FootOnSegment3(iE, iN, E1, N1, a.Z[0], E2, N2, a.Z[1], doc.MapType, foot);
-    AddNewPoint(iE, iN, foot.FootH);
+    FootOnSegment3(iE, iN, E1, N1, a.Z[0], E2, N2, a.Z[1], doc.MapType, LastFoot);
+    AddNewPoint(iE, iN, LastFoot.FootH);
     return;
   }
 
@@ -194,11 +193,10 @@ void Editor::ConstructionPick(const std::string& m, float x, float y, double E, 
     const double d1 = std::hypot(iE - a.X[1], iN - a.Y[1]);
     const int end = d0 <= d1 ? 0 : 1;
     double E1 = a.X[0], N1 = a.Y[0], E2 = a.X[1], N2 = a.Y[1];
-    Foot foot;
-    FootOnSegment3(iE, iN, E1, N1, a.Z[0], E2, N2, a.Z[1], doc.MapType, foot);
-    if (!AddNewPoint(iE, iN, foot.FootH)) return;
+    FootOnSegment3(iE, iN, E1, N1, a.Z[0], E2, N2, a.Z[1], doc.MapType, LastFoot);
+    if (!AddNewPoint(iE, iN, LastFoot.FootH)) return;
     if (!a.OnBaseMap && (iE != a.X[end] || iN != a.Y[end]))
-      NewEntity(a.Code, KindLine, a.X[end], a.Y[end], a.Z[end], iE, iN, foot.FootH, 0, 0, 0, "");
+      NewEntity(a.Code, KindLine, a.X[end], a.Y[end], a.Z[end], iE, iN, LastFoot.FootH, 0, 0, 0, "");
     return;
   }
 }

@@ -20,6 +20,7 @@
 #include "core/document.h"
 #include "core/view_state.h"
 #include "geo/area.h"
+#include "geo/azimuth.h"
 #include "platform/dialogs.h"
 #include "platform/surface.h"
 
@@ -210,6 +211,9 @@ class Editor {
   Naming Names;
   AreaRingState Area;  // QAREA's ring and the unit of area labels
   double NewPointE = 0, NewPointN = 0, NewPointH = 0;
+  // The foot of the last perpendicular. Its height is only worked out where heights are
+  // kept (MapType 1); elsewhere it keeps what it held, as the midpoint's height does.
+  Foot LastFoot;
   double OffsetDistance = 0;
   int32_t PendingRow = -1;  // the entity of a two-pick command (NP_Extend, OFFSET ...)
   int PickStep = 0;         // which pick of a multi-pick command comes next

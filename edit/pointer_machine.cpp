@@ -63,6 +63,7 @@ void Editor::Reset() {
   Flag = MeasuredShape::None;
   PickStep = 0;
   PendingRow = -1;
+  LastFoot = Foot{};  // no height carries over from another document
   host.SetPrompt("");
   host.SetCursor(Cursor::Arrow);
   host.ModeChanged("");

@@ -142,14 +142,10 @@ void SampleArc3(double E1, double N1, double E2, double N2, double E3, double N3
   const double c = Cross3(E1, N1, E2, N2, E3, N3);
   if (c == 0) return;
   double Ec = 0, Nc = 0;
+  // Sampled arcs are taken as they stand, with no nudge: when points 1 and 2 share
+  // their E the division has nothing to divide by, and such an arc samples to nothing.
   CircleCentre3(E1, N1, E2, N2, E3, N3, Ec, Nc);
-  if (!std::isfinite(Ec) || !std::isfinite(Nc)) {
-    // Points 1 and 2 share their E, and the division above had nothing to divide by.
-    // Sampled arcs are taken as they stand, but rather than lose such an arc the
-    // centre is found the way the drawing finds it, on nudged copies.
-    SeparationNudge(E1, N1, E2, N2, E3, N3);
-    CircleCentre3(E1, N1, E2, N2, E3, N3, Ec, Nc);
-  }
+  if (!std::isfinite(Ec) || !std::isfinite(Nc)) return;
   const double radius = std::sqrt((E2 - Ec) * (E2 - Ec) + (N2 - Nc) * (N2 - Nc));
   double a1 = 0, a3 = 0;
   CentreAzimuth(Ec, Nc, E1, N1, a1);

@@ -51,8 +51,9 @@ int32_t CircleSteps(double radius);
 void SampleCircle(double Ec, double Nc, double radius, std::vector<double>& E, std::vector<double>& N);
 
 // A chain along the arc from 1 over 2 to 3, at the circle's step, its last vertex exactly
-// on the arc's end. Int(sweep / step) + 1 vertices. Collinear points leave the arrays
-// untouched and say nothing.
+// on the arc's end. Int(sweep / step) + 1 vertices. The points are taken as they stand,
+// not nudged: collinear points, and points 1 and 2 with the same E (no centre), leave
+// the arrays untouched and say nothing.
 void SampleArc3(double E1, double N1, double E2, double N2, double E3, double N3, std::vector<double>& E,
                 std::vector<double>& N);
 

@@ -70,6 +70,44 @@ TEST_F(Constructions, DivisionOfALine) {
   EXPECT_EQ(dialogs.shown.back().text, "要分成幾段?");
 }
 
+TEST_F(Constructions, HeightsOfDividedPointsAndFeet) {
+  // Heights climb along the line only where kept and known at both ends; otherwise the
+  // end that has one gives it, end 1 first; with none the height stays as it was.
+  struct Case {
+    int16_t mapType;
+    double H1, H2, expected;
+  };
+  const Case cases[] = {{1, 10, 20, 15}, {2, 10, 20, 10}, {1, 0, 20, 20}, {2, -9999, 20, 20}, {1, 0, 0, 7}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << "MapType " << c.mapType << " H " << c.H1 << ", " << c.H2);
+    doc.MapType = c.mapType;
+    doc.EntityTable.clear(), doc.EntityCount = 0, doc.ScreenEntityTable.clear(), doc.ScreenEntityCount = 0;
+    Line(1000, 2000, c.H1, 1010, 2000, c.H2);
+    ed.NewPointH = 7;
+    ed.StartCommand(mode::NP_DevideTo);
+    dialogs.inputs = {"2"};
+    Click(1003, 2000);
+    ASSERT_FALSE(doc.PointTable.empty());
+    EXPECT_EQ(doc.PointTable.back().H, c.expected);
+  }
+  // The foot's height is worked out where heights are kept and held over elsewhere.
+  doc.EntityTable.clear(), doc.EntityCount = 0, doc.ScreenEntityTable.clear(), doc.ScreenEntityCount = 0;
+  Line(1000, 2010, 10, 1010, 2010, 20);
+  Pt(1005, 2015);
+  for (const int16_t mapType : {1, 2}) {
+    doc.MapType = mapType;
+    ed.StartCommand(mode::NP_PerOf);
+    Click(1005, 2015);
+    Click(1002, 2010);
+    EXPECT_EQ(doc.PointTable.back().H, 15) << "MapType " << mapType;
+  }
+  ed.Reset();  // a new document starts with no height held over
+  ed.StartCommand(mode::NP_PerOf);
+  Click(1005, 2015);
+  Click(1002, 2010);
+  EXPECT_EQ(doc.PointTable.back().H, 0);
+}
+
 TEST_F(Constructions, PerpendicularFootMayLieOnTheExtension) {
   Line(1000, 2000, 0, 1002, 2000, 0);
   Pt(1005, 2010);

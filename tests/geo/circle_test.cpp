@@ -162,21 +162,14 @@ TEST(SampleArc3, CountsAndEnds) {
   EXPECT_NEAR(r * std::sin(TwoPi / 78), e3[1], 1e-6);
 }
 
-TEST(SampleArc3, FirstTwoPointsOnOneGridLine) {
-  // E1 = E2 leaves the centre formula nothing to divide by; the arc is still sampled.
-  // North over south to east turns counterclockwise, so the chain runs clockwise from
-  // point 3 to point 1: 270° in steps of 10°.
-  std::vector<double> e, n;
+TEST(SampleArc3, FirstTwoPointsOnOneGridLineSampleToNothing) {
+  // E1 = E2 leaves the centre formula nothing to divide by. Sampling takes the points
+  // as they stand (only drawing and the midpoint nudge them), so the arc gives no
+  // chain, and the arrays keep what they held.
+  std::vector<double> e{7}, n{8};
   SampleArc3(0, 100, 0, -100, 100, 0, e, n);
-  ASSERT_GE(e.size(), 27u);
-  ASSERT_LE(e.size(), 28u);
-  ExpectEnds(e, n, {100, 0, 0, 100}, 1e-3);
-  bool passesSouth = false;
-  for (std::size_t i = 0; i < e.size(); ++i) {
-    EXPECT_NEAR(100, Dist(0, 0, e[i], n[i]), 1e-3);
-    passesSouth = passesSouth || Dist(0, -100, e[i], n[i]) < 1e-3;
-  }
-  EXPECT_TRUE(passesSouth);
+  EXPECT_EQ(std::vector<double>{7}, e);
+  EXPECT_EQ(std::vector<double>{8}, n);
 }
 
 }  // namespace
