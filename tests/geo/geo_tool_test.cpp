@@ -37,6 +37,7 @@ Result Tool(const std::string& args, const std::string& input = "") {
   r.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   r.out = ReadAll(out);
   r.err = ReadAll(err);
+  for (const std::string* f : {&in, &out, &err}) std::remove(f->c_str());
   return r;
 }
 
