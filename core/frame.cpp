@@ -285,12 +285,6 @@ void DocumentCycle::OpenFile(const std::string& chosen) {
 
 void DocumentCycle::ReloadAfterSave() {
   Document& doc = app_.doc;
-  if (doc.PointCount == 0 && doc.EntityCount == 0 && doc.BaseMapCount == 0) {
-    // Nothing was written: the reload would only report an empty file. The rows left
-    // are all deleted ones, which is what the reload would have dropped.
-    ClearTables(doc);
-    return;
-  }
   Document fresh = CarryOver(doc);
   SetDocumentName(fresh, doc.DocumentName);
   fresh.SpcPath = doc.SpcPath;
@@ -300,7 +294,12 @@ void DocumentCycle::ReloadAfterSave() {
   if (LoadDocument(fresh, dialogs_)) {
     fresh.MapChanged = kFalse;
     doc = std::move(fresh);
+    return;
   }
+  // A file with nothing in it has been reported as such by the reading. The rows still
+  // in memory are then all deleted ones, which the reload would have dropped; they go,
+  // so that the tables agree with counts of 0.
+  if (doc.PointCount == 0 && doc.EntityCount == 0 && doc.BaseMapCount == 0) ClearTables(doc);
 }
 
 bool DocumentCycle::SaveAndReload() {

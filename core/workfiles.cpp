@@ -1,5 +1,6 @@
 #include "core/workfiles.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <system_error>
@@ -127,16 +128,21 @@ bool ParseEntityLine(std::string_view line, Entity& e) {
 }
 
 // Reads lines until the first that cannot be read. A missing file reads as empty.
+// `clean` tells whether every line was read and the file ends with a line end, so that
+// an appended line starts a line of its own.
 template <typename Row, typename Parse>
-std::vector<Row> ReadJournal(const fs::path& path, Parse parse) {
+std::vector<Row> ReadJournal(const fs::path& path, Parse parse, bool& clean) {
   std::vector<Row> rows;
   std::string bytes;
+  clean = true;
   if (!io::ReadWholeFile(path, bytes)) return rows;
-  for (std::string_view line : rec::SplitLines(bytes)) {
+  const auto lines = rec::SplitLines(bytes);
+  for (std::string_view line : lines) {
     Row r;
     if (!parse(line, r)) break;
     rows.push_back(std::move(r));
   }
+  clean = rows.size() == lines.size() && (bytes.empty() || bytes.back() == '\n');
   return rows;
 }
 
@@ -187,6 +193,8 @@ bool WorkFiles::WriteRecoveryHeader(const Document& doc) {
   for (double v : {doc.StationE, doc.StationN, doc.StationH, doc.OrientationConstant, doc.ViewCentreE,
                    doc.ViewCentreN, doc.MinE, doc.MaxE, doc.MinN, doc.MaxN})
     number(v);
+  // The twenty-first line is the cadastral serial counter: a recovered document goes on
+  // numbering its book where it stood instead of starting again.
   for (int32_t v : {doc.PointCount, doc.DeletedPointCount, doc.EntityCount, doc.DeletedEntityCount,
                     doc.BaseMapCount, doc.SerialCounter})
     number(v);
@@ -252,31 +260,33 @@ bool RecoverFromWorkFiles(Document& doc, WorkFiles& wf, ui::Dialogs& dialogs) {
       break;
   }
   const AppPaths& paths = wf.Paths();
-  bool haveHeader = wf.ReadRecoveryHeader(doc);
+  const bool haveHeader = wf.ReadRecoveryHeader(doc);
   if (!haveHeader) {
-    // Without the header the name is lost too; the records come back under a name in
-    // the work folder, to be saved under a proper one.
+    // The journals carry no document name, and a document without one can be neither
+    // saved nor closed: the records come back under a name in the work folder, to be
+    // saved under a proper one with Save As.
     SetDocumentName(doc, (paths.WorkFolder() / "RECOVERED").string());
   }
 
-  doc.PointTable = ReadJournal<Point>(paths.TempP0(), ParsePointLine);
-  int32_t pointsRead = static_cast<int32_t>(doc.PointTable.size());
+  bool pointsClean = true, entitiesClean = true;
+  doc.PointTable = ReadJournal<Point>(paths.TempP0(), ParsePointLine, pointsClean);
+  const int32_t pointsRead = static_cast<int32_t>(doc.PointTable.size());
   if (haveHeader && pointsRead != 0 && pointsRead != doc.PointCount)
     dialogs.MsgBox("建議放棄這個檔案!", "有" + std::to_string(doc.PointCount - pointsRead) + "個點資料毀損");
   doc.PointCount = pointsRead;
 
-  doc.EntityTable = ReadJournal<Entity>(paths.TempS0(), ParseEntityLine);
-  int32_t entitiesRead = static_cast<int32_t>(doc.EntityTable.size());
+  doc.EntityTable = ReadJournal<Entity>(paths.TempS0(), ParseEntityLine, entitiesClean);
+  const int32_t entitiesRead = static_cast<int32_t>(doc.EntityTable.size());
   if (haveHeader && entitiesRead != 0 && entitiesRead != doc.EntityCount)
     dialogs.MsgBox("建議放棄這個檔案!", "有" + std::to_string(doc.EntityCount - entitiesRead) + "個圖元資料毀損");
   doc.EntityCount = entitiesRead;
 
-  // The deleted counts follow the flags actually read; the base map is not journalled
-  // back, so its table and count are empty.
-  doc.DeletedPointCount = 0;
-  for (const Point& p : doc.PointTable) doc.DeletedPointCount += p.Deleted != 0;
-  doc.DeletedEntityCount = 0;
-  for (const Entity& e : doc.EntityTable) doc.DeletedEntityCount += e.Deleted != 0;
+  // The deleted counts are the header's. A damaged journal may hold fewer rows than
+  // the header counted as deleted; the count is kept within the rows read, so that the
+  // live count shown and saved never goes below zero.
+  doc.DeletedPointCount = std::clamp(doc.DeletedPointCount, int32_t{0}, pointsRead);
+  doc.DeletedEntityCount = std::clamp(doc.DeletedEntityCount, int32_t{0}, entitiesRead);
+  // The base map is not journalled back: its table is empty, and so is its count.
   doc.BaseMapTable.clear();
   doc.BaseMapCount = 0;
   doc.ScreenPointTable.clear();
@@ -287,10 +297,11 @@ bool RecoverFromWorkFiles(Document& doc, WorkFiles& wf, ui::Dialogs& dialogs) {
   // What came back exists in no document file yet.
   if (pointsRead > 0 || entitiesRead > 0) doc.MapChanged = kTrue;
 
-  // Rewrite the journals clean, so that the next line does not follow a torn one.
-  wf.WritePointWorkFile(doc);
-  wf.WriteEntityWorkFile(doc);
-  wf.WriteRecoveryHeader(doc);
+  // The journals stay as they are, except one that ends in a torn or unreadable line:
+  // it is written again from what was read, so that the next record appended starts a
+  // line of its own and is not lost with the torn one at a later recovery.
+  if (!pointsClean) wf.WritePointWorkFile(doc);
+  if (!entitiesClean) wf.WriteEntityWorkFile(doc);
   return true;
 }
 

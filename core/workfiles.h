@@ -77,13 +77,14 @@ std::string PointWorkLine(const Point& p);
 std::string EntityWorkLine(const Entity& e);
 std::string BaseMapWorkLine(const BaseMapLine& b);
 
-// Start-up after a crash, when Check() says Recoverable: the recovery header, then the
-// point and entity journals read line by line up to the first line that cannot be read
-// (a torn last line is simply where the reading stops). A count that differs from the
-// header's is reported: "建議放棄這個檔案!" under "有" + n + "個點資料毀損" (or
-// "個圖元資料毀損"). The base-map journal is not read back. The journals are then
-// rewritten clean from what was recovered, so that new lines do not follow a torn one.
-// False when there was nothing to recover (both journals empty: they are removed).
+// Start-up after a crash, when Check() says Recoverable: the recovery header (name,
+// header values and counts), then the point and entity journals read line by line up
+// to the first line that cannot be read (a torn last line is simply where the reading
+// stops). A count that differs from the header's is reported: "建議放棄這個檔案!"
+// under "有" + n + "個點資料毀損" (or "個圖元資料毀損"). The base-map journal is not
+// read back. The header is left as it is; a journal is rewritten only when it ends in
+// a line that could not be read. False when there was nothing to recover (both
+// journals empty: they are removed).
 bool RecoverFromWorkFiles(Document& doc, WorkFiles& wf, ui::Dialogs& dialogs);
 
 }  // namespace tavik

@@ -227,6 +227,19 @@ TEST_F(StartedCycle, SaveThenReopenKeepsEverything) {
   EXPECT_FALSE(fs::exists(s.app.paths.TempP0()));
 }
 
+TEST_F(StartedCycle, SavingAMapWithEverythingDeletedReportsTheEmptyFile) {
+  s.NewAt(s.Work("bare.SPC"));
+  s.Measure(1);
+  ASSERT_TRUE(DeletePoint(s.app.doc, s.app.work, 1));
+  ASSERT_TRUE(DeleteEntity(s.app.doc, s.app.work, 1));
+  s.cycle.Save();
+  ASSERT_FALSE(s.dialogs.shown.empty());
+  EXPECT_EQ(s.dialogs.shown.back().text, s.Work("bare.SPC") + "檔案沒有內容");
+  EXPECT_EQ(s.dialogs.shown.back().title, "讀檔動作取消");
+  EXPECT_TRUE(s.app.doc.PointTable.empty());
+  EXPECT_TRUE(s.app.doc.EntityTable.empty());
+}
+
 TEST_F(StartedCycle, DamagedScaleInAFileIsShownNotConverted) {
   struct Case {
     double scale;

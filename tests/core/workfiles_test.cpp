@@ -173,9 +173,13 @@ TEST_F(JournalTest, RecoveryBringsBackEverythingMeasuredSinceNew) {
   Measure();
   DeletePoint(doc, wf, 2);
   wf.WriteRecoveryHeader(doc);
+  const std::string header = ReadBytes(paths.InsuranceTV()), points = ReadBytes(paths.TempP0());
   Document r;
   ASSERT_TRUE(RecoverFromWorkFiles(r, wf, dialogs));
   EXPECT_TRUE(dialogs.shown.empty());
+  // Whole journals and the header are read, not rewritten.
+  EXPECT_EQ(ReadBytes(paths.InsuranceTV()), header);
+  EXPECT_EQ(ReadBytes(paths.TempP0()), points);
   EXPECT_EQ(r.DocumentName, doc.DocumentName);
   ASSERT_EQ(r.PointCount, 2);
   EXPECT_EQ(r.PointTable[1].E, 281234.5678901234);
