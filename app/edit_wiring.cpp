@@ -5,7 +5,10 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
-#include <QPlainTextEdit>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QScreen>
+#include <QTableWidget>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -39,6 +42,7 @@ int KeyCode(int qtKey) {
   using tavik::edit::Editor;
   if (qtKey >= Qt::Key_F1 && qtKey <= Qt::Key_F12) return Editor::KeyF1 + (qtKey - Qt::Key_F1);
   if (qtKey == Qt::Key_Delete) return Editor::KeyDelete;
+  if (qtKey == Qt::Key_Escape) return Editor::KeyEscape;
   if (qtKey == Qt::Key_Space) return Editor::KeySpace;
   if (qtKey >= Qt::Key_A && qtKey <= Qt::Key_Z) return 'A' + (qtKey - Qt::Key_A);
   if (qtKey >= Qt::Key_0 && qtKey <= Qt::Key_9) return '0' + (qtKey - Qt::Key_0);
@@ -268,12 +272,47 @@ void EditWiring::ShowHotKeys() {
   dlg->setObjectName("HotKeys");
   dlg->setWindowTitle("快捷鍵速覽");
   dlg->setAttribute(Qt::WA_DeleteOnClose);
-  auto* layout = new QVBoxLayout(dlg);
-  auto* text = new QPlainTextEdit(dlg);
-  text->setReadOnly(true);
-  text->setPlainText(Q(tavik::edit::Editor::HotKeySummary()).replace("\r\n", "\n"));
-  layout->addWidget(text);
-  dlg->resize(520, 560);
+  auto* layout = new QHBoxLayout(dlg);
+  // Two tables side by side, each sized to show every row and column whole: the legend
+  // letters, and the other keys.
+  std::vector<QStringList> legends, others;
+  for (const auto& row : tavik::edit::Editor::HotKeyTable()) {
+    if (row[1].empty())
+      others.push_back({Q(row[0]), Q(row[2])});
+    else
+      legends.push_back({Q(row[0]), Q(row[1]), Q(row[2])});
+  }
+  int tallest = 0;
+  auto addTable = [&](const char* name, const QStringList& header, const std::vector<QStringList>& rows) {
+    auto* table = new QTableWidget(static_cast<int>(rows.size()), static_cast<int>(header.size()), dlg);
+    table->setObjectName(name);
+    table->setHorizontalHeaderLabels(header);
+    table->verticalHeader()->hide();
+    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    table->setSelectionMode(QAbstractItemView::NoSelection);
+    table->setFocusPolicy(Qt::NoFocus);
+    table->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    for (int r = 0; r < table->rowCount(); ++r)
+      for (int c = 0; c < table->columnCount(); ++c)
+        table->setItem(r, c, new QTableWidgetItem(rows[static_cast<std::size_t>(r)][c]));
+    table->resizeColumnsToContents();
+    table->resizeRowsToContents();
+    int width = 2 * table->frameWidth();
+    for (int c = 0; c < table->columnCount(); ++c) {
+      table->setColumnWidth(c, table->columnWidth(c) + 12);
+      width += table->columnWidth(c);
+    }
+    int height = table->horizontalHeader()->height() + 2 * table->frameWidth();
+    for (int r = 0; r < table->rowCount(); ++r) height += table->rowHeight(r);
+    table->setFixedWidth(width);
+    table->setMinimumHeight(std::min(height, 700));
+    tallest = std::max(tallest, height);
+    layout->addWidget(table, 0, Qt::AlignTop);
+  };
+  addTable("HotKeyLegends", {"按鍵", "圖例", "名稱"}, legends);
+  addTable("HotKeyOthers", {"按鍵", "作用"}, others);
+  const QRect screen = program_.frm.screen() ? program_.frm.screen()->availableGeometry() : QRect(0, 0, 1024, 768);
+  dlg->resize(dlg->sizeHint().width(), std::min(tallest + 2 * layout->contentsMargins().top(), screen.height() - 60));
   dlg->show();
 }
 

@@ -166,6 +166,10 @@ class Editor {
   void Toolbar1Click(const std::string& key);
   void Toolbar2Click(const std::string& key);
   void StartCommand(const std::string& mode);  // menu and popup commands
+  // Esc, or a second press of the running command's button: ends the command (a chain
+  // ends as a right press ends it) and leaves no mode. The pick modes of the dialogs
+  // are theirs to end. True when something was running.
+  bool EndCommand();
   // New, Open and Close end every command.
   void Reset();
 
@@ -200,8 +204,9 @@ class Editor {
 
   // The legend hot keys A..Z; 0 when the letter has none.
   static int16_t HotKeyLegend(char letter);
-  // The text of the window "快捷鍵速覽".
-  static std::string HotKeySummary();
+  // The rows of the window "快捷鍵速覽": key, legend code (empty for the other keys),
+  // name or action.
+  static std::vector<std::array<std::string, 3>> HotKeyTable();
 
   // State, open for the window and for tests.
   PointerState Ptr;
@@ -220,6 +225,7 @@ class Editor {
 
   // Key codes for KeyDown.
   enum Key : int {
+    KeyEscape = 0x1B,
     KeyDelete = 0x2E,
     KeySpace = 0x20,
     KeyF1 = 0x70,

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <optional>
 
 #include "core/numbers.h"
 #include "edit/editor.h"
@@ -35,6 +36,19 @@ constexpr std::array<HotKey, 24> kHotKeys{{
 bool IsZoomKey(const std::string& k) {
   return k == "ZE" || k == "ZP" || k == "ZS" || k == "ZC" || k == "ZT" || k == "ZoomOut" || k == "ZoomIn";
 }
+// The legend check of a drawing mode; none for the modes that take any legend.
+std::optional<view::DrawCommand> DrawCommandOf(const std::string& m) {
+  using view::DrawCommand;
+  if (m == mode::Line) return DrawCommand::Line;
+  if (m == mode::RECT) return DrawCommand::Rect;
+  if (m == mode::ARC) return DrawCommand::Arc;
+  if (m == mode::P2C) return DrawCommand::Circle2;
+  if (m == mode::P3C) return DrawCommand::Circle3;
+  if (m == mode::Label) return DrawCommand::BlockNote;
+  if (m == mode::Symbol) return DrawCommand::SymbolNote;
+  return std::nullopt;
+}
+
 bool IsToggleKey(const std::string& k) {
   return k == "SwitchPtName" || k == "SwitchBM" || k == "DispGrid" || k == "SwitchEle" || k == "垂距開關" ||
          k == "SwitchBreak" || k == "SwitchSN";
@@ -54,17 +68,18 @@ int16_t Editor::HotKeyLegend(char letter) {
   return 0;
 }
 
-std::string Editor::HotKeySummary() {
-  std::string s = "按鍵  圖例  名稱\r\n";
-  for (const auto& h : kHotKeys) {
-    s += std::string(1, h.letter) + "     " + std::to_string(h.code) + "   " + h.name + "\r\n";
-  }
-  s += "R     重繪圖面\r\nU     救回刪除的資料\r\n";
-  s += "Delete 刪除最後一點   F2 存檔   F3 測點註記\r\n";
-  s += "F4 兩點連線   F5 兩點畫圓   F6 三點畫圓   F7 三點畫弧   F8 三點矩形\r\n";
-  s += "F9 自動連線開啟   F10 自動連線關閉   F11 縮小   F12 放大\r\n";
-  s += "c 畫線中閉合   右鍵 結束畫線   空白鍵 觀測\r\n";
-  return s;
+std::vector<std::array<std::string, 3>> Editor::HotKeyTable() {
+  std::vector<std::array<std::string, 3>> rows;
+  for (const auto& h : kHotKeys) rows.push_back({std::string(1, h.letter), std::to_string(h.code), h.name});
+  static const char* const others[][2] = {
+      {"R", "重繪圖面"},       {"U", "救回刪除的資料"},   {"Delete", "刪除最後一點"}, {"F2", "存檔"},
+      {"F3", "測點註記"},       {"F4", "兩點連線"},         {"F5", "兩點畫圓"},         {"F6", "三點畫圓"},
+      {"F7", "三點畫弧"},       {"F8", "三點矩形"},         {"F9", "自動連線開啟"},     {"F10", "自動連線關閉"},
+      {"F11", "縮小"},          {"F12", "放大"},            {"c", "畫線中閉合"},        {"右鍵", "結束畫線"},
+      {"Esc", "結束目前的指令"}, {"空白鍵", "觀測"},
+  };
+  for (const auto& o : others) rows.push_back({o[0], "", o[1]});
+  return rows;
 }
 
 bool Editor::KeyDown(int key, bool shift) {
@@ -119,6 +134,8 @@ bool Editor::KeyDown(int key, bool shift) {
     case KeySpace:
       host.Measure();
       return true;
+    case KeyEscape:
+      return EndCommand();
     default:
       break;
   }
@@ -135,7 +152,15 @@ bool Editor::KeyDown(int key, bool shift) {
     if (Ptr.LineInProgress) return false;
     const int16_t code = HotKeyLegend(static_cast<char>(key));
     if (code == 0) return false;
+    // A running drawing command keeps to the legends it may draw, as its button did
+    // when it started: a refused letter says why and leaves the legend as it was.
+    const int16_t before = doc.CurrentLegend;
     doc.CurrentLegend = code;
+    if (const auto command = DrawCommandOf(Ptr.ActionMode);
+        command && !view::CheckCurrentLegend(*command, doc, dialogs)) {
+      doc.CurrentLegend = before;
+      return true;
+    }
     host.LegendChanged(code);
     return true;
   }
@@ -160,7 +185,11 @@ void Editor::Toolbar1Click(const std::string& key) {
     return;
   }
   if (key == "ZW") {
-    if (doc.IsOpen()) StartCommand(mode::ZoomW);
+    if (!doc.IsOpen()) return;
+    if (Ptr.ActionMode == mode::ZoomW)
+      EndCommand();
+    else
+      StartCommand(mode::ZoomW);
     return;
   }
   if (IsToggleKey(key)) {
@@ -183,6 +212,10 @@ void Editor::Toolbar1Click(const std::string& key) {
 
 void Editor::Toolbar2Click(const std::string& key) {
   if (!doc.IsOpen()) return;
+  if (key == Ptr.ActionMode) {  // a second press of the running command's button ends it
+    EndCommand();
+    return;
+  }
   if (key == "Undelete") {
     Undelete();
     return;
@@ -192,23 +225,23 @@ void Editor::Toolbar2Click(const std::string& key) {
     return;
   }
   if (!IsDrawingMode(key)) return;
-  using view::DrawCommand;
-  bool allowed = true;
-  if (key == mode::Line)
-    allowed = view::CheckCurrentLegend(DrawCommand::Line, doc, dialogs);
-  else if (key == mode::RECT)
-    allowed = view::CheckCurrentLegend(DrawCommand::Rect, doc, dialogs);
-  else if (key == mode::ARC)
-    allowed = view::CheckCurrentLegend(DrawCommand::Arc, doc, dialogs);
-  else if (key == mode::P2C)
-    allowed = view::CheckCurrentLegend(DrawCommand::Circle2, doc, dialogs);
-  else if (key == mode::P3C)
-    allowed = view::CheckCurrentLegend(DrawCommand::Circle3, doc, dialogs);
-  else if (key == mode::Label)
-    allowed = view::CheckCurrentLegend(DrawCommand::BlockNote, doc, dialogs);
-  else if (key == mode::Symbol)
-    allowed = view::CheckCurrentLegend(DrawCommand::SymbolNote, doc, dialogs);
-  if (allowed) StartCommand(key);
+  const auto command = DrawCommandOf(key);
+  if (!command || view::CheckCurrentLegend(*command, doc, dialogs)) StartCommand(key);
+}
+
+bool Editor::EndCommand() {
+  // The modes of the dialogs that wait for a pick (set-up, stake-out ...) belong to
+  // those dialogs, which end them themselves.
+  if (IsPluggedMode(Ptr.ActionMode)) return false;
+  const bool running = !Ptr.ActionMode.empty() || Ptr.LineInProgress || Ptr.Windowing;
+  if (Ptr.Windowing) {
+    EraseBand();
+    Ptr.Windowing = false;
+    Ptr.DragAnchorX = Ptr.DragAnchorY = 0;
+  }
+  if (Area.AreaRingCount > 0) Repaint();  // the ring's red sides go with it
+  StartCommand("");
+  return running;
 }
 
 void Editor::StartCommand(const std::string& requested) {

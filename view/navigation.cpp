@@ -74,7 +74,7 @@ bool ZoomWindowFit(MapCanvas& c, double E1, double N1, double E2, double N2) {
 bool ZS(MapCanvas& c) {
   if (!c.doc.IsOpen()) return false;
   const auto answer = c.dialogs.InputBox("新的螢幕圖比例尺:", "目前圖面比例尺 1:" + num::Plain(num::Int(c.doc.ScaleDenominator)),
-                                         num::Plain(c.doc.ScaleDenominator));
+                                         num::Plain(num::Int(c.doc.ScaleDenominator)));
   if (!answer || text::Trim(*answer).empty()) return false;
   const auto value = num::ParseStrict(*answer);
   if (!value || !(*value > 0) || *value > MaxScaleDenominator) {

@@ -14,8 +14,9 @@ Answer ScriptedDialogs::MsgBox(const std::string& text, const std::string& title
 }
 
 std::optional<std::string> ScriptedDialogs::InputBox(const std::string& prompt, const std::string& title,
-                                                     const std::string&) {
+                                                     const std::string& defaultText) {
   shown.push_back({"input", prompt, title, Buttons::OkCancel});
+  inputDefaults.push_back(defaultText);
   if (inputs.empty()) return std::nullopt;
   auto a = inputs.front();
   inputs.pop_front();

@@ -28,6 +28,7 @@ class ScriptedDialogs : public Dialogs {
   std::deque<std::optional<std::string>> inputs; // InputBox answers; empty: cancel
   std::deque<std::string> files;                 // file dialog answers; empty: cancel
   std::vector<Shown> shown;                      // everything shown, in order
+  std::vector<std::string> inputDefaults;        // the answer each input box offered
 
   Answer MsgBox(const std::string& text, const std::string& title, Buttons buttons, Icon icon,
                 std::optional<Answer> defaultButton) override;

@@ -1,5 +1,8 @@
 // The pointer machine's orders and endings, the toolbars and the keys.
+#include <functional>
+
 #include "edit_fixture.h"
+#include "view/legends.h"
 
 namespace tavik::edit {
 namespace {
@@ -61,7 +64,6 @@ TEST_F(Machine, LegendHotKeysAndTheKeysOfTheWindow) {
   }
   EXPECT_EQ(Editor::HotKeyLegend('r'), 0);
   EXPECT_EQ(Editor::HotKeyLegend('u'), 0);
-  EXPECT_NE(Editor::HotKeySummary().find("X     813   碎石路 / 土路"), std::string::npos);
 
   const std::pair<int, std::string> windowKeys[] = {{'R', "Redraw"}, {Editor::KeyF11, "View:ZoomOut"},
                                                     {Editor::KeyF12, "View:ZoomIn"}, {Editor::KeyF2, "Frame:快速存檔"},
@@ -86,6 +88,66 @@ TEST_F(Machine, LegendHotKeysAndTheKeysOfTheWindow) {
   Click(1000, 2000);
   EXPECT_FALSE(ed.KeyDown('C', false));
   EXPECT_EQ(doc.CurrentLegend, 301);
+
+  // A running drawing command refuses the letters of legends it may not draw, with its
+  // button's message; others change the legend.
+  ed.Reset();
+  dialogs.shown.clear();
+  ed.Toolbar2Click(mode::RECT);
+  EXPECT_TRUE(ed.KeyDown('D', false));
+  EXPECT_EQ(doc.CurrentLegend, 301);
+  ASSERT_EQ(Messages(), std::vector<std::string>{"目前圖例不能畫矩形"});
+  ed.KeyDown('T', false);
+  EXPECT_EQ(doc.CurrentLegend, 304);
+  Click(1000, 2000), Click(1010, 2000), Click(1010, 2010);  // no point there: the buffer waits
+  ed.StartCommand(mode::QDIS);
+  ed.KeyDown('D', false);  // an inquiry draws nothing: any legend
+  EXPECT_EQ(doc.CurrentLegend, 114);
+}
+
+TEST_F(Machine, EscOrASecondPressEndsTheCommand) {
+  Pt(1000, 2000);
+  Pt(1010, 2000);
+  Pt(1010, 2010);
+  doc.CurrentLegend = 301;
+  struct Case {
+    const char* what;
+    std::function<void()> start;
+    std::function<void()> end;
+  };
+  const auto esc = [&] { EXPECT_TRUE(ed.KeyDown(Editor::KeyEscape, false)); };
+  const Case cases[] = {
+      {"a chain, by Esc", [&] { ed.Toolbar2Click(mode::Line), Click(1000, 2000), Click(1010, 2000); }, esc},
+      {"a chain, by its button", [&] { ed.Toolbar2Click(mode::Line), Click(1000, 2000); },
+       [&] { ed.Toolbar2Click(mode::Line); }},
+      {"a rectangle half picked", [&] { ed.Toolbar2Click(mode::RECT), Click(1000, 2000); }, esc},
+      {"an area ring", [&] { ed.StartCommand(mode::QAREA), Click(1000, 2000), Click(1010, 2000); }, esc},
+      {"a window being drawn",
+       [&] { ed.Toolbar1Click("ZW"), ed.MouseDownAt(LeftButton, 1000, 2000), ed.MouseMoveAt(LeftButton, 1005, 2005); },
+       esc},
+      {"the window command, by its button", [&] { ed.Toolbar1Click("ZW"); }, [&] { ed.Toolbar1Click("ZW"); }},
+      {"a perpendicular after its point", [&] { ed.StartCommand(mode::NP_PerOf), Click(1000, 2000); }, esc},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    c.start();
+    ASSERT_NE(ed.Ptr.ActionMode, "");
+    const auto entities = doc.EntityCount;
+    dialogs.shown.clear();
+    c.end();
+    EXPECT_EQ(ed.Ptr.ActionMode, "");
+    EXPECT_FALSE(ed.Ptr.LineInProgress || ed.Ptr.Windowing || ed.Ptr.BandShown);
+    EXPECT_EQ(ed.Buffers[0].Count + ed.Area.AreaRingCount, 0);
+    EXPECT_EQ(doc.EntityCount, entities);  // ending adds nothing
+    EXPECT_TRUE(view::LegendButton_Click(ed.Ptr.ActionMode, dialogs));
+    ed.MouseUpAt(LeftButton, 1005, 2005);
+    EXPECT_EQ(host.Count("ZoomWindow"), 0);
+  }
+  EXPECT_FALSE(ed.KeyDown(Editor::KeyEscape, false));  // nothing runs
+  // A dialog's pick mode is the dialog's to end.
+  ed.StartCommand("STKOUT");
+  ed.KeyDown(Editor::KeyEscape, false);
+  EXPECT_EQ(ed.Ptr.ActionMode, "STKOUT");
 }
 
 TEST_F(Machine, InputAngleNeedsAStationOrAFix) {

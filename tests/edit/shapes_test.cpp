@@ -29,6 +29,7 @@ TEST_F(Shapes, RectangleCornerMustBeStrictlyBetween85And95Degrees) {
     SCOPED_TRACE(angle);
     const bool made = angle > 85 && angle < 95;
     ClearTables();
+    ed.Reset();
     ed.Toolbar2Click(mode::RECT);
     // Three points at distance 10 from the corner (1000, 2000), at azimuths 30 and 30 + angle.
     const double a1 = 30 / 180.0 * kPi, a2 = (30 + angle) / 180.0 * kPi;

@@ -101,6 +101,11 @@ TEST(ViewCommands, SetScaleAsksAndAcceptsOnlyAPositiveNumber) {
     ASSERT_FALSE(f.dialogs.shown.empty());
     EXPECT_EQ(f.dialogs.shown[0].text + "|" + f.dialogs.shown[0].title, "新的螢幕圖比例尺:|目前圖面比例尺 1:500");
   }
+  // A fitted scale is offered as the whole denominator of the title, not its long fraction.
+  NavFixture f;
+  f.doc.ScaleDenominator = 771.152136920414;
+  ZS(f.canvas);
+  EXPECT_EQ(f.dialogs.shown[0].title + "|" + f.dialogs.inputDefaults.at(0), "目前圖面比例尺 1:771|771");
 }
 
 TEST(ViewCommands, WindowFitCentresOnTheWindow) {
