@@ -139,6 +139,8 @@ class EditWindowTest : public QObject {
     click(6);
     click(7);
     click(8);
+    QTest::keyClick(paper, Qt::Key_Escape);  // ends the arc command: a pole is no arc
+    QCOMPARE(w.Editor().Ptr.ActionMode, std::string());
     QTest::keyClick(paper, Qt::Key_O);  // 605 電力桿
     tool("Symbol");
     dialogs.inputs = {"A12"};
