@@ -27,6 +27,12 @@ void TotalStationLink::Refresh() {
   if (view) view->ShowWaitPicture(picture);
 }
 
+void TotalStationLink::AppendToOBSBox(const std::string& text, bool red) {
+  picture.OBSBox += text;
+  picture.OBSBoxRed = red;
+  Refresh();
+}
+
 void TotalStationLink::Box(const std::string& text, const std::string& title) {
   Refresh();
   dialogs_.MsgBox(text, title);

@@ -76,6 +76,10 @@ class TotalStationLink {
 
   const std::string& RxBuffer() const { return framer_.Buffer(); }
 
+  // A dialog with a port of its own reports an instrument's complaint where the link
+  // would: the text is added to OBSBox, shown red or black.
+  void AppendToOBSBox(const std::string& text, bool red);
+
  private:
   ui::SerialPort* Port(Channel channel) const { return channel == Channel::Set ? MSComm_SET : MSComm_TOP; }
   static bool Write(ui::SerialPort* port, const std::string& bytes);

@@ -20,11 +20,12 @@ DialogAnswer ShotOf(double slope, int32_t hzRaw, int32_t vRaw) {
   return a;
 }
 
-DialogAnswer ErrorOf(const std::string& title, const std::string& text) {
+DialogAnswer ErrorOf(const std::string& title, const std::string& text, const std::string& appended) {
   DialogAnswer a;
   a.kind = DialogAnswer::Error;
   a.Title = title;
   a.Text = text;
+  a.Appended = appended;
   return a;
 }
 
@@ -43,14 +44,21 @@ DialogAnswer DecodeSetForDialog(const std::string& line) {
     }
     case SetAnswer::Error:
       switch (s.error) {
-        case SetError::NoPrism: return ErrorOf("無法測距", "被測物反射不良或找不到稜鏡.");
-        case SetError::Tilt: return ErrorOf("儀器有問題", "儀器傾斜超出補償範圍, 請整平後再測.");
-        case SetError::BadDistance: return ErrorOf("SD資料錯誤", "斜距值錯誤.");
-        default: return ErrorOf("有問題", "ER資料錯誤!");
+        case SetError::NoPrism:
+          return ErrorOf("無法測距", "被測物反射不良或找不到稜鏡.", " 被測物反射不良或找不到稜鏡.");
+        case SetError::Tilt:
+          return ErrorOf("儀器有問題", "儀器傾斜超出補償範圍, 請整平後再測.", " 儀器傾斜超出補償範圍, 請整平後再測.");
+        case SetError::BadDistance: return ErrorOf("SD資料錯誤", "斜距值錯誤.", " 距離值錯誤.");
+        default: return ErrorOf("有問題", "ER資料錯誤!", " 不明原因,導致資料錯誤.");
       }
     default:
       return {};
   }
+}
+
+void ShowAnswerError(SurveyContext& ctx, const DialogAnswer& a) {
+  if (a.Boxed) ctx.dialogs.MsgBox(a.Text, a.Title);
+  if (!a.Appended.empty() && ctx.link.AppendOBSBox) ctx.link.AppendOBSBox(a.Appended, a.Red);
 }
 
 DialogAnswer DialogConversation::Feed(char c) {
@@ -59,7 +67,7 @@ DialogAnswer DialogConversation::Feed(char c) {
   switch (family_) {
     case Family::Leica: {
       const LeicaAnswer a = DecodeLeica(*frame);
-      if (!a.enoughFields || !a.hzRaw || !a.vRaw) return {};
+      if (!a.enoughFields || !a.hzRaw || !a.vRaw || !(a.slope.value_or(0) > 0)) return {};
       return ShotOf(a.slope.value_or(0), *a.hzRaw, *a.vRaw);
     }
     case Family::Topcon: {
@@ -76,12 +84,13 @@ DialogAnswer DialogConversation::Feed(char c) {
     }
     case Family::Trimble: {
       const TrimbleAnswer a = DecodeTrimble(*frame);
-      if (!a.enoughLines) return {};
+      if (!a.enoughLines || !(a.slope > 0)) return {};
       return ShotOf(a.slope, a.hzRaw, a.vRaw);
     }
     case Family::Trimble3600: {
       const Trimble3600Answer a = DecodeTrimble3600(*frame);
-      if (a.v2) return ErrorOf("TAVIK", "垂直角定義錯誤");
+      if (a.v2) return ErrorOf("TAVIK", "垂直角定義錯誤", "");
+      if (!(a.slope.value_or(0) > 0)) return {};
       DialogAnswer r = ShotOf(a.slope.value_or(0), num::CLng(a.hz), num::CLng(a.v));
       r.shot.Hz = PackedToRadians(a.hz);
       r.shot.V = PackedToRadians(a.v);
@@ -89,7 +98,13 @@ DialogAnswer DialogConversation::Feed(char c) {
     }
     case Family::Pentax: {
       const PentaxAnswer a = DecodePentax(*frame);
-      if (!a.valid) return ErrorOf("TAVIK", "資料錯誤!!(資料不全)");
+      if (!a.valid) {
+        DialogAnswer e = ErrorOf("", "", "資料錯誤!!(資料不全)");
+        e.Boxed = false;
+        e.Red = true;
+        return e;
+      }
+      if (!(a.slope > 0)) return {};
       return ShotOf(a.slope, a.hzRaw, a.vRaw);
     }
     case Family::Set:

@@ -7,6 +7,7 @@
 #include "core/tables.h"
 #include "core/text.h"
 #include "geo/angles.h"
+#include "geo/constants.h"
 #include "geo/pick.h"
 #include "procedures/control_points.h"
 #include "procedures/dialog_port.h"
@@ -123,23 +124,44 @@ void ResectDlgLogic::OnByte(char c) {
       Take(a.shot);
       break;
     case DialogAnswer::Error:
-      ctx_.dialogs.MsgBox(a.Text, a.Title);
+      ShowAnswerError(ctx_, a);
       break;
     default:
       break;
   }
 }
 
+bool ResectDlgLogic::PassesLinkTests(const DialogShot& shot) {
+  if (shot.V > Pi && ctx_.inst.FaceWarning) ctx_.dialogs.MsgBox("提醒您: 儀器目前是倒鏡狀態", "倒鏡提示");
+  // The horizontal distance as the link computes it: negative in face two, so that a
+  // reading in face two never reaches a slot. The solver turns no circle reading by
+  // half a turn, and such a reading would give the station a wrong orientation.
+  const double hd = shot.Slope * std::cos(Pi / 2 - shot.V);
+  if (hd < 0.01) {
+    DialogAnswer refused;
+    refused.Title = family_ == Family::Set ? "HD資料錯誤" : "資料錯誤";
+    refused.Text = "平距值錯誤.";
+    refused.Appended = " 距離值錯誤.";
+    ShowAnswerError(ctx_, refused);
+    return false;
+  }
+  return true;
+}
+
 void ResectDlgLogic::Take(const DialogShot& shot) {
   if (measuring_ < 0) return;
   if (family_ == Family::Set) Write(std::string("\x12\r\n", 3));
+  ctx_.inst.ObsHzRaw = shot.HzRaw;
+  ctx_.inst.ObsVRaw = shot.VRaw;
+  ctx_.inst.ObsSlope = shot.Slope;
+  ctx_.inst.ObsHz = shot.Hz;
+  ctx_.inst.ObsV = shot.V;
+  // A refused answer leaves the slot waiting for the next one.
+  if (!PassesLinkTests(shot)) return;
   ResectSlot& s = slot[measuring_];
   s.Hz = shot.Hz;
   s.V = shot.V;
   s.Slope = shot.Slope;
-  ctx_.inst.ObsHzRaw = shot.HzRaw;
-  ctx_.inst.ObsVRaw = shot.VRaw;
-  ctx_.inst.ObsSlope = shot.Slope;
   HzLabel[measuring_] = shot.HzText;
   VLabel[measuring_] = shot.VText;
   StatusLabel[measuring_] = "OK";
@@ -168,8 +190,9 @@ void ResectDlgLogic::Solve() {
   Command2Enabled = false;
   solved_ = false;
   OKEnabled = false;
-  ResectSlot p1 = slot[0], p2 = slot[1];
-  result_ = SolveResection(p1, p2, doc.MapType, ih);
+  solvedSlot_[0] = slot[0];
+  solvedSlot_[1] = slot[1];
+  result_ = SolveResection(solvedSlot_[0], solvedSlot_[1], doc.MapType, ih);
   const ResectResult& r = result_;
   if (doc.MapType == 1) {
     if (r.BothHeightsZero)
@@ -215,7 +238,8 @@ bool ResectDlgLogic::OKButton() {
     return false;
   }
   const ResectResult& r = result_;
-  const ResectSlot& p1 = slot[0];
+  // Point 1 as the solver left it: its V an elevation angle.
+  const ResectSlot& p1 = solvedSlot_[0];
   doc.StationName = name;
   doc.StationE = r.StationE;
   doc.StationN = r.StationN;
@@ -236,7 +260,7 @@ bool ResectDlgLogic::OKButton() {
   obslog::AppendLine(doc.ObsPath, Quoted(p1.Name) + "," + num::Plain(p1.E) + "," + num::Plain(p1.N) + "," +
                                       num::Plain(p1.H));
   obslog::AppendLine(doc.ObsPath, Quoted(ReadingText(p1.Hz)) + "," + Quoted(ReadingText(p1.V)) + "," +
-                                      num::Plain(p1.Slope));
+                                      num::Plain(ctx_.inst.ObsSlope));
   obslog::AppendLine(doc.MacPath, obslog::MacStationLine(name, p1.Name));
 
   FollowPoint(ctx_, doc.StationE, doc.StationN, 1);

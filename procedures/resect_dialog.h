@@ -1,7 +1,9 @@
 // ResectDlg, "後方交會": the station from observations of two known points, over the
-// dialog's own port. The received values go into the slot being measured; Command2
+// dialog's own port. An answer passes the main link's tests (the face-two reminder,
+// the horizontal-distance test) and then goes into the slot being measured; Command2
 // solves, OKButton stores the station. The solver runs on copies of the slots, so a
-// re-solve after a new shot of one point starts again from the readings as received.
+// re-solve after a new shot of one point starts again from the readings as received;
+// the station's records are written from the solved copies.
 #pragma once
 
 #include <memory>
@@ -55,6 +57,7 @@ class ResectDlgLogic {
  private:
   void Write(const std::string& bytes);
   void Take(const DialogShot& shot);
+  bool PassesLinkTests(const DialogShot& shot);
 
   SurveyContext& ctx_;
   ui::SerialPort* port_;
@@ -64,6 +67,7 @@ class ResectDlgLogic {
   bool topconAsked_ = false; // "Z32091" sent, "C067" follows its acknowledge
   bool solved_ = false;
   ResectResult result_;
+  ResectSlot solvedSlot_[2];  // the slots as the last solve left them
 };
 
 }  // namespace tavik

@@ -159,6 +159,51 @@ TEST_F(ResectDialog, MeasureSolveAndStore) {
   ASSERT_EQ(obs.size(), 4u);
   EXPECT_EQ(obs[0], "-99,\", \",#2026/11/21 08:00:00#");
   EXPECT_EQ(obs[2], "\"P1\",1000,2000,50");
+  // The readings of point 1 with V as the solver made it, an elevation angle, and the
+  // last distance received (that of point 2).
+  const std::string& readings = obs[3];
+  const std::size_t comma = readings.rfind(',');
+  EXPECT_EQ(readings.substr(readings.find(",\"") + 2, 3), "113") << readings;  // 1-13-xx, not the zenith 88-46-xx
+  EXPECT_NEAR(std::stod(readings.substr(comma + 1)), Observe("P2", 1080, 2010, 51, 1.6).Slope, 0.0005);
+}
+
+// A shot in face two on either point: the reminder, then the link's horizontal-distance
+// refusal; the slot stays empty until the point is observed again in face one.
+TEST_F(ResectDialog, FaceTwoShotIsRefusedAndTheFaceOneShotIsTaken) {
+  inst.InstrumentKind = "SET30R";
+  for (int face2 = 0; face2 < 2; ++face2) {
+    SCOPED_TRACE(face2);
+    dialogs.shown.clear();
+    link.obsBox.clear();
+    ResectDlgLogic dlg(ctx, &port);
+    ASSERT_TRUE(dlg.Choose(0, "P1"));
+    ASSERT_TRUE(dlg.Choose(1, "P2"));
+    dlg.InstrumentHeightText = "1.45";
+    dlg.TargetText[0] = "1.3";
+    dlg.TargetText[1] = "1.6";
+    const ResectSlot seen[2] = {Observe("P1", 1000, 2000, 50, 1.3), Observe("P2", 1080, 2010, 51, 1.6)};
+    for (int i = 0; i < 2; ++i) {
+      dlg.Measure(i);
+      if (i == face2) {
+        ResectSlot other = seen[i];
+        other.V = 2 * Pi - other.V;
+        other.Hz = std::fmod(other.Hz + Pi, 2 * Pi);
+        port.Receive(SetAnswerFor(other));
+        ASSERT_EQ(dialogs.shown.size(), 2u);
+        EXPECT_EQ(dialogs.shown[0].title, "倒鏡提示");
+        EXPECT_EQ(dialogs.shown[1].title, "HD資料錯誤");
+        EXPECT_EQ(dialogs.Messages().back(), "平距值錯誤.");
+        EXPECT_EQ(link.obsBox, " 距離值錯誤.");
+        EXPECT_EQ(dlg.StatusLabel[i], "");
+      }
+      port.Receive(SetAnswerFor(seen[i]));  // the flag is still set
+      EXPECT_EQ(dlg.StatusLabel[i], "OK");
+    }
+    dlg.Solve();
+    ASSERT_TRUE(dlg.OKEnabled);
+    EXPECT_NEAR(dlg.Result().StationE, kSE, 0.01);
+    EXPECT_NEAR(dlg.Result().OrientationConstant, kOC, 1e-4);
+  }
 }
 
 TEST_F(ResectDialog, KeyedObservationsAreRefusedAndCloseControlPointsWarned) {

@@ -1,7 +1,7 @@
 // End to end: the survey commands over TAVIK's real serial port against tavik-sim on a
 // pseudo-terminal. A new document, a set-up on two known points with FitDialog, ten
 // shots at the scene's prisms, a save; the saved document and the logs must agree with
-// the scene.
+// the scene. And a resection whose first shot comes back in face two.
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
@@ -17,6 +17,7 @@
 #include "platform/qt/serial_port.h"
 #include "procedures/fit_dialog.h"
 #include "procedures/observation_pipeline.h"
+#include "procedures/resect_dialog.h"
 #include "survey_fixture.h"
 
 namespace tavik {
@@ -52,14 +53,14 @@ const Prism kPrisms[] = {
 
 class Sim {
  public:
-  explicit Sim(const char* family) {
+  explicit Sim(const char* family, QStringList extra = {}) {
     QtApp();
     const QString scenePath = dir_.filePath("scene.txt");
     FILE* f = std::fopen(scenePath.toStdString().c_str(), "w");
     std::fputs("station 1000 2000 50 1.5\norientation 30\n", f);
     for (const Prism& p : kPrisms) std::fprintf(f, "target %s %.3f %.3f %.3f %.3f\n", p.name, p.E, p.N, p.H, p.height);
     std::fclose(f);
-    process_.start(TAVIK_BIN_DIR "/tools/sim/tavik-sim", {"--family", family, "--scene", scenePath, "--hold"});
+    process_.start(TAVIK_BIN_DIR "/tools/sim/tavik-sim", QStringList{"--family", family, "--scene", scenePath, "--hold"} + extra);
     process_.waitForStarted(5000);
     SpinUntil([&] { return process_.canReadLine() || process_.state() == QProcess::NotRunning; });
     path = process_.readLine().trimmed().toStdString();
@@ -146,6 +147,42 @@ struct SurveyEndToEnd : testing::SurveyFixture {
                                                                  ", 2026/11/21 08:00:00");
   }
 };
+
+// T1 then B1 from the unknown station: the instrument's first answer is in face two.
+// It is refused with the reminder and the distance message, the point is observed
+// again, and the station and its orientation come out as the scene has them.
+TEST_F(SurveyEndToEnd, ResectionRefusesTheFaceTwoShot) {
+  Sim sim("SET", {"--fault", "face2@1"});
+  ASSERT_FALSE(sim.path.empty());
+  Connect(sim.path, "SET30R");
+  AddControl("T1", kPrisms[1].E, kPrisms[1].N, kPrisms[1].H);
+  AddControl("B1", kPrisms[0].E, kPrisms[0].N, kPrisms[0].H);
+  ui::QtSerialPort own{&settings};
+  ResectDlgLogic dlg(ctx, &own);
+  ASSERT_TRUE(dlg.Choose(0, "T1"));
+  ASSERT_TRUE(dlg.Choose(1, "B1"));
+  dlg.StationNameText = "R1";
+  dlg.InstrumentHeightText = "1.5";
+  dlg.TargetText[0] = dlg.TargetText[1] = "1.5";
+  sim.Target(1);
+  dlg.Measure(0);
+  ASSERT_TRUE(SpinUntil([&] { return dialogs.shown.size() == 2; }));
+  EXPECT_EQ(dialogs.shown[0].title, "倒鏡提示");
+  EXPECT_EQ(dialogs.shown[1].text, "平距值錯誤.");
+  EXPECT_EQ(dlg.StatusLabel[0], "");
+  dlg.Measure(0);
+  ASSERT_TRUE(SpinUntil([&] { return dlg.StatusLabel[0] == "OK"; }));
+  sim.Target(0);
+  dlg.Measure(1);
+  ASSERT_TRUE(SpinUntil([&] { return dlg.StatusLabel[1] == "OK"; }));
+  dlg.Solve();
+  ASSERT_TRUE(dlg.OKButton());
+  EXPECT_EQ(dialogs.shown.size(), 2u);
+  EXPECT_NEAR(doc.StationE, 1000, 0.01);
+  EXPECT_NEAR(doc.StationN, 2000, 0.01);
+  EXPECT_NEAR(doc.StationH, 50, 0.01);
+  EXPECT_NEAR(doc.OrientationConstant, 30 * Pi / 180, 1e-4);
+}
 
 TEST_F(SurveyEndToEnd, SetFamily) { Run("SET", "SET30R"); }
 TEST_F(SurveyEndToEnd, TopconFamily) { Run("GTS22X", "GTS22X"); }

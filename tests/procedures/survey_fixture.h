@@ -101,6 +101,8 @@ inline Reading ReadingTo(double sE, double sN, double sH, double ih, double oc, 
 // Writes of the link, per channel.
 struct RecordedLink {
   std::string set, top;
+  std::string obsBox;  // what the dialogs added to OBSBox
+  bool obsBoxRed = false;
   int shots = 0;
   std::vector<Request> requests;
 };
@@ -130,6 +132,10 @@ struct SurveyFixture : public ::testing::Test {
       return true;
     };
     ctx.link.Close = [](Channel) {};
+    ctx.link.AppendOBSBox = [this](const std::string& t, bool red) {
+      link.obsBox += t;
+      link.obsBoxRed = red;
+    };
   }
 
   std::string File(const std::string& ext) { return ReadBytes(doc.DocumentName + ext); }
