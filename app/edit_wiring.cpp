@@ -56,14 +56,8 @@ class EditWiring::WindowHost : public tavik::edit::MapHost {
  public:
   WindowHost(tavik::view::MapCanvas& canvas, EditWiring& w) : MapHost(canvas), w_(w) {}
 
-  void SetPrompt(const std::string& p) override {
-    prompt_ = p;
-    Show();
-  }
-  void SetReadout(const std::string& e, const std::string& n) override {
-    readout_ = "E " + e + "  N " + n;
-    Show();
-  }
+  void SetPrompt(const std::string& p) override { w_.program_.frm.SetPrompt(p); }
+  void SetReadout(const std::string& e, const std::string& n) override { w_.program_.frm.SetReadout(e, n); }
   void ShowStatus(const std::string& s) override { w_.program_.frm.statusBar()->showMessage(Q(s), 8000); }
   void SetCursor(tavik::edit::Cursor c) override {
     using tavik::edit::Cursor;
@@ -89,7 +83,7 @@ class EditWiring::WindowHost : public tavik::edit::MapHost {
   }
   void FrameCommand(const std::string& key) override { Run(key); }
   void Measure() override { Run("Measure"); }
-  void ShowManual() override { w_.ShowHotKeys(); }
+  void ShowManual() override { w_.program_.frm.ShowManual(); }
   void ModeChanged(const std::string& mode) override {
     for (QToolBar* bar : {w_.toolbar1_, w_.toolbar2_}) {
       if (!bar) continue;
@@ -103,11 +97,7 @@ class EditWiring::WindowHost : public tavik::edit::MapHost {
     const auto it = w_.FrameCommands.find(key);
     if (it != w_.FrameCommands.end() && it->second) it->second();
   }
-  void Show() {
-    w_.program_.frm.statusBar()->showMessage(Q(prompt_.empty() ? readout_ : prompt_ + "    " + readout_));
-  }
   EditWiring& w_;
-  std::string prompt_, readout_;
 };
 
 EditWiring::EditWiring(Program& program)

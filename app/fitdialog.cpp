@@ -9,6 +9,8 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include "app/mainfrm.h"
+
 namespace {
 QString Q(const std::string& s) { return QString::fromStdString(s); }
 }  // namespace
@@ -145,7 +147,7 @@ void FitDialog::Pull() {
 }
 
 void FitDialog::Push() {
-  text5_->setText(Q(logic_.Text5));
+  text5_->setText(Q(MainFrm::AngleText(logic_.Text5)));
   text5_->setStyleSheet(logic_.Text5Red ? "color: red" : "");
   label9_->setText(Q(logic_.Label9));
   label10_->setText(Q(logic_.Label10));

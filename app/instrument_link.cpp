@@ -116,8 +116,8 @@ void InstrumentLink::ShowWaitPicture(const tavik::WaitPicture& p) {
     box->setStyleSheet(p.OBSBoxRed ? "color: red" : "");
   }
   msgObserve_->setVisible(p.MsgObserve);
-  labels_["Label29"]->setText(Q(p.Label29));
-  labels_["LabelZA"]->setText(Q(p.LabelZA));
+  labels_["Label29"]->setText(Q(MainFrm::AngleText(p.Label29)));
+  labels_["LabelZA"]->setText(Q(MainFrm::AngleText(p.LabelZA)));
   labels_["LabelS"]->setText(Q(p.LabelS));
   labels_["Label45"]->setText(Q(p.Label45));
   if (ShowButtons) ShowButtons(p.CmdSTOPEnabled, p.RecButtonEnabled);

@@ -20,6 +20,7 @@ int main(int argc, char** argv) {
   QApplication qapp(argc, argv);
   QApplication::setApplicationName("TAVIK");
   QApplication::setFont(QFont("WenQuanYi Zen Hei", 10));
+  tavik::ui::InstallQtTranslation();
 
   // --screenshot FILE.png: show the window, save a picture of it and end without the
   // exit questions (for checking the layout headless). --demo starts as usual.

@@ -2,22 +2,49 @@
 
 #include <cmath>
 
+#include "core/numbers.h"
+#include "geo/formats.h"
+
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QToolBar>
+#include <QCoreApplication>
+#include <QDialog>
+#include <QDir>
+#include <QDockWidget>
+#include <QFileInfo>
 #include <QFrame>
 #include <QGridLayout>
-#include <QScrollBar>
+#include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScrollBar>
 #include <QStatusBar>
+#include <QTextBrowser>
+#include <QToolBar>
+#include <QUrl>
 #include <QVBoxLayout>
 #include <QWidget>
-#include <QHBoxLayout>
 
 namespace {
 QString Q(const std::string& s) { return QString::fromStdString(s); }
+
+// Items that belong to one measure mode only, by control name: the total station's
+// set-up, resection, stake-out and reading panels, and the receiver's start-up.
+const std::pair<const char*, const char*> kModeItems[] = {
+    {"MainMnuUserDialog", "TS"}, {"MainMnuFit", "TS"},  {"MainMnuResect", "TS"},  {"MainMnuStackOut", "TS"},
+    {"MainMnuAutoLink", "TS"},   {"SetupFace2", "TS"},  {"WaitPanel", "TS"},      {"SurveyPanel", "TS"},
+    {"mnuGpsInit", "GPS"}};
+
+const char* ModeOf(const QObject* item) {
+  const QString name = item->objectName();
+  for (const auto& [control, mode] : kModeItems)
+    if (name == QLatin1String(control)) return mode;
+  return nullptr;
+}
+
+constexpr const char* kManualFile = "tavik-manual.html";
 }  // namespace
 
 MainFrm::MainFrm(QWidget* parent) : QMainWindow(parent) {
@@ -66,6 +93,9 @@ MainFrm::MainFrm(QWidget* parent) : QMainWindow(parent) {
   instFrame_ = new QFrame(central);
   row->addWidget(instFrame_);
   setCentralWidget(central);
+  // Every repaint of the map shows the counts as they are now: whatever changed the
+  // tables (a shot, a line, an erase, a set-up, a zoom) ends in a repaint.
+  paper_->installEventFilter(this);
   BuildMenus();
   BuildInstrumentFrame();
   BuildStatusBar();
@@ -118,20 +148,45 @@ void MainFrm::BuildMenus() {
   file->addSeparator();
   AddCommand(file, "MainMnuExit", "結束(&X)", [this] { close(); });
 
-  // The other main menus; their commands are added by the parts of the program that own them.
+  // The other main menus. Most of their commands are added by the parts of the program
+  // that own them; a menu with nothing to offer stays out of the menu bar.
   const std::pair<const char*, const char*> mains[] = {
       {"MainMnuMete", "測量(&M)"},    {"MainMnuEdit", "編輯(&E)"},   {"MainMnuView", "檢視(&V)"},
       {"MainMnuImport", "匯入(&I)"},  {"MainMnuExport", "匯出(&X)"}, {"MainMnuU", "工具(&U)"},
       {"MainMnuBasemap", "底圖(&B)"}, {"MainMnuSetup", "設定(&T)"},  {"MainMnuEnd", "收工(&D)"}};
   for (const auto& [name, caption] : mains) documentMenus_.push_back(AddMenu(name, caption));
 
+  // The base-map tools come with the base maps; until then their items stay hidden, and
+  // so does the menu.
   QMenu* bm = menus_["MainMnuBasemap"];
   const std::pair<const char*, const char*> bmCommands[] = {{"BMEraseWindow", "視窗清除底圖"},
                                                             {"BMLockLineCPnt", "鎖定底圖線端點"},
                                                             {"BMLockXLineCPnt", "鎖定底圖線交點"},
                                                             {"BMRemove", "移除底圖"},
                                                             {"BmDispSetup", "底圖顯示設定..."}};
-  for (const auto& [name, caption] : bmCommands) baseMapCommands_.push_back(AddCommand(bm, name, caption, nullptr));
+  for (const auto& [name, caption] : bmCommands) {
+    QAction* a = AddCommand(bm, name, caption, nullptr);
+    a->setVisible(false);
+    baseMapCommands_.push_back(a);
+  }
+
+  AddCommand(menus_["MainMnuU"], "MainMnuManual", "TAVIK操作手冊\tShift+F1", [this] { ShowManual(); });
+
+  // The day's end: save and close the document, or save and leave the program.
+  QMenu* end = menus_["MainMnuEnd"];
+  AddCommand(end, "MainMnuEndClose", "存檔並關閉圖檔", [this] {
+    if (handlers.Save) handlers.Save();
+    if (handlers.Close) handlers.Close();
+  });
+  AddCommand(end, "MainMnuEndExit", "存檔並結束TAVIK", [this] {
+    if (handlers.Save) handlers.Save();
+    close();
+  });
+
+  for (QMenu* m : documentMenus_) {
+    m->installEventFilter(this);
+    FitMenu(m);
+  }
 }
 
 void MainFrm::BuildInstrumentFrame() {
@@ -167,7 +222,8 @@ void MainFrm::BuildStatusBar() {
     l->setMinimumWidth(l->fontMetrics().horizontalAdvance(QString::fromUtf8(widest[k])) + 12);
     l->setFrameShape(QFrame::Panel);
     l->setFrameShadow(QFrame::Sunken);
-    statusBar()->addWidget(l, k == 10 ? 1 : 0);
+    // Permanent, so that a prompt or a passing message on the left hides none of them.
+    statusBar()->addPermanentWidget(l);
     panels_[k] = l;
   }
 }
@@ -187,6 +243,9 @@ void MainFrm::BuildFineMoveToolbar() {
   bar->addWidget(combo1_);
   bar->addWidget(new QLabel(" 旋轉 ", bar));
   bar->addWidget(combo2_);
+  // The steps are remembered, but the whole-map shifts and turns they serve are not in
+  // this version: the bar stays hidden.
+  bar->hide();
 }
 
 void MainFrm::SelectFineSteps(const std::string& shift, const std::string& rotation) {
@@ -232,14 +291,110 @@ void MainFrm::SetRecentItems(const std::vector<std::string>& items) {
 }
 
 void MainFrm::SetMeasureModeMenus(const std::string& mode) {
-  // The measure mode's own menus and panels are added by the instrument parts of the
-  // program; the window keeps the mode shown where the surveyor sees it.
-  instFrame_->setToolTip(mode == "GPS" ? "GPS 測量" : "全測站測量");
+  measureMode_ = mode == "GPS" ? "GPS" : "TS";
+  instFrame_->setToolTip(measureMode_ == "GPS" ? "GPS 測量" : "全測站測量");
+  for (QAction* a : findChildren<QAction*>()) ApplyMeasureMode(a);
+  for (QWidget* w : findChildren<QWidget*>()) ApplyMeasureMode(w);
+}
+
+void MainFrm::ApplyMeasureMode(QObject* item) const {
+  const char* mode = ModeOf(item);
+  if (mode == nullptr) return;
+  const bool shown = measureMode_ == mode;
+  if (auto* a = qobject_cast<QAction*>(item)) {
+    if (a->isVisible() != shown) a->setVisible(shown);
+  } else if (auto* w = qobject_cast<QWidget*>(item)) {
+    if (w->isVisibleTo(w->parentWidget()) != shown) w->setVisible(shown);
+  }
+}
+
+void MainFrm::FitMenu(QMenu* menu) {
+  if (fitting_) return;
+  fitting_ = true;
+  bool offers = false;
+  for (QAction* a : menu->actions()) {
+    ApplyMeasureMode(a);
+    offers = offers || (a->isVisible() && !a->isSeparator());
+  }
+  menu->menuAction()->setVisible(offers);
+  fitting_ = false;
+}
+
+bool MainFrm::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == paper_ && event->type() == QEvent::Paint) {
+    if (handlers.ShowCounts) handlers.ShowCounts();
+  } else if (auto* menu = qobject_cast<QMenu*>(watched)) {
+    const QEvent::Type t = event->type();
+    if (t == QEvent::ActionAdded || t == QEvent::ActionChanged || t == QEvent::ActionRemoved) FitMenu(menu);
+  }
+  return QMainWindow::eventFilter(watched, event);
+}
+
+void MainFrm::SetPrompt(const std::string& text) { statusBar()->showMessage(Q(text)); }
+
+void MainFrm::SetReadout(const std::string& e, const std::string& n) {
+  panels_[2]->setText(e.empty() ? QString() : Q("E " + e));
+  panels_[3]->setText(n.empty() ? QString() : Q("N " + n));
+}
+
+QString MainFrm::ManualPath() {
+  const QString here = QCoreApplication::applicationDirPath();
+  QStringList places = {here + "/" + kManualFile, here + "/../share/tavik/" + kManualFile};
+#ifdef TAVIK_MANUAL_SOURCE
+  places << QString::fromUtf8(TAVIK_MANUAL_SOURCE);
+#endif
+  for (const QString& p : places)
+    if (QFileInfo::exists(p)) return QDir::cleanPath(p);
+  return QString();
+}
+
+std::string MainFrm::AngleText(const std::string& reading) {
+  const QStringList parts = Q(reading).split('-');
+  if (parts.size() != 3) return reading;
+  std::optional<double> v[3];
+  for (int i = 0; i < 3; ++i) v[i] = tavik::num::ParseStrict(parts[i].trimmed().toStdString());
+  if (!v[0] || !v[1] || !v[2] || *v[0] < 0 || *v[0] > 999 || *v[1] < 0 || *v[1] >= 100) return reading;
+  return tavik::fmt::FormatDmsList(static_cast<int16_t>(*v[0]), static_cast<int16_t>(*v[1]), *v[2]);
+}
+
+void MainFrm::ShowManual() {
+  if (auto* open = findChild<QDialog*>("Manual")) {
+    open->raise();
+    open->activateWindow();
+    return;
+  }
+  const QString path = ManualPath();
+  auto* dlg = new QDialog(this);
+  dlg->setObjectName("Manual");
+  dlg->setWindowTitle("TAVIK操作手冊");
+  dlg->setAttribute(Qt::WA_DeleteOnClose);
+  auto* layout = new QVBoxLayout(dlg);
+  auto* text = new QTextBrowser(dlg);
+  text->setObjectName("ManualText");
+  text->setOpenExternalLinks(true);
+  if (path.isEmpty())
+    text->setPlainText("找不到操作手冊檔案 " + QString(kManualFile) + ",請確認它與 TAVIK 放在同一個資料夾。");
+  else
+    text->setSource(QUrl::fromLocalFile(path));
+  layout->addWidget(text);
+  dlg->resize(760, 820);
+  dlg->show();
+}
+
+void MainFrm::keyPressEvent(QKeyEvent* e) {
+  // With a document open the map's keys take Shift+F1 first and open the same window.
+  if (e->key() == Qt::Key_F1 && e->modifiers() == Qt::ShiftModifier) {
+    ShowManual();
+    return;
+  }
+  QMainWindow::keyPressEvent(e);
 }
 
 void MainFrm::ClearPaper() {
   paper_->Surface().Clear(tavik::ui::MakeRgb(255, 255, 255));
   paper_->update();
+  SetReadout("", "");
+  emit paperCleared();
 }
 
 void MainFrm::SetPaperEnabled(bool enabled) { paper_->setEnabled(enabled); }

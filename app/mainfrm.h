@@ -59,6 +59,19 @@ class MainFrm : public QMainWindow, public tavik::FrameWindow, public tavik::vie
   void SelectFineSteps(const std::string& shift, const std::string& rotation);
 
   PaperWidget* Paper1() const { return paper_; }
+  // The pointer machine's prompt at the left of the status bar, and the pointer's E and
+  // N in panels 2 and 3, so that neither hides the scale and the counts.
+  void SetPrompt(const std::string& text);
+  void SetReadout(const std::string& e, const std::string& n);
+  // The manual "TAVIK操作手冊" in a window of its own (Shift+F1).
+  void ShowManual();
+  // Where the manual is: beside the program, in its share folder, or in the source tree
+  // of a build; empty when none is found.
+  static QString ManualPath();
+  // An angle reading as the instruments' answers give it ("15-0-00", "15-00-00.0") in the
+  // one form the window shows angles in ("15-00-00.00"); a text that is no such
+  // reading comes back as it was.
+  static std::string AngleText(const std::string& reading);
   // A menu or command by its control name ("MainMnuEdit", "MainMnuSave", "mnuFileItem(2)").
   QMenu* Menu(const std::string& name) const;
   QAction* Command(const std::string& name) const;
@@ -74,11 +87,19 @@ class MainFrm : public QMainWindow, public tavik::FrameWindow, public tavik::vie
     std::function<void()> Resized;                    // Paper1 took a new size
     std::function<void(int)> HScroll, VScroll;        // the user moved HScroll1 or VScroll1
     std::function<void()> ScrollDone;                 // ... and let go of it
+    std::function<void()> ShowCounts;                 // the scale and the live counts
 
   } handlers;
 
+ signals:
+  // Paper1 was wiped for another document or none: marks drawn over the map for the
+  // old one (station, blinking last point, stake-out target) must go with it.
+  void paperCleared();
+
  protected:
   void closeEvent(QCloseEvent* e) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void keyPressEvent(QKeyEvent* e) override;
 
  private:
   QMenu* AddMenu(const char* name, const QString& caption);
@@ -87,6 +108,10 @@ class MainFrm : public QMainWindow, public tavik::FrameWindow, public tavik::vie
   void BuildInstrumentFrame();
   void BuildStatusBar();
   void BuildFineMoveToolbar();
+  // A main menu is shown only while it offers something; an item of the other measure
+  // mode is hidden.
+  void FitMenu(QMenu* menu);
+  void ApplyMeasureMode(QObject* item) const;
 
   PaperWidget* paper_ = nullptr;
   QAction* ToolbarButton(int index) const;
@@ -104,4 +129,6 @@ class MainFrm : public QMainWindow, public tavik::FrameWindow, public tavik::vie
   std::array<QAction*, 5> recentItems_{};
   std::array<QLabel*, 11> panels_{};  // 1..10
   std::map<std::string, QLabel*> labels_;
+  std::string measureMode_ = "TS";
+  bool fitting_ = false;
 };

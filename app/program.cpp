@@ -44,6 +44,7 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
   h.OpenRecent = [this](int k) { cycle.OpenRecent(k); };
   h.ClearRecent = [this] { cycle.ClearRecent(); };
   h.Exit = [this] { return cycle.Exit(); };
+  h.ShowCounts = [this] { cycle.ShowCounts(); };
   // A new size of Paper1 is a view change: the rectangles, the screen tables and the
   // picture follow it.
   h.Resized = [this] {

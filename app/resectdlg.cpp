@@ -10,6 +10,8 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include "app/mainfrm.h"
+
 namespace {
 QString Q(const std::string& s) { return QString::fromStdString(s); }
 }  // namespace
@@ -136,8 +138,8 @@ void ResectDlg::Pull() {
 void ResectDlg::Push() {
   const tavik::ResectDlgLogic& l = *logic_;
   for (int i = 0; i < 2; ++i) {
-    hz_[i]->setText(Q(l.HzLabel[i]));
-    v_[i]->setText(Q(l.VLabel[i]));
+    hz_[i]->setText(Q(MainFrm::AngleText(l.HzLabel[i])));
+    v_[i]->setText(Q(MainFrm::AngleText(l.VLabel[i])));
     status_[i]->setText(Q(l.StatusLabel[i]));
     note_[i]->setText(Q(l.HeightNote[i]));
   }

@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "app/mainfrm.h"
 #include "procedures/control_points.h"
 #include "view/transform.h"
 
@@ -156,7 +157,7 @@ void StackOut::Push() {
   label9_->setText(Q(l.Label9));
   labelS_->setText(Q(l.LabelS));
   label45_->setText(Q(l.Label45));
-  label29_->setText(Q(l.Label29));
-  labelZA_->setText(Q(l.LabelZA));
+  label29_->setText(Q(MainFrm::AngleText(l.Label29)));
+  labelZA_->setText(Q(MainFrm::AngleText(l.LabelZA)));
   if (QWidget* w = findChild<QWidget*>(Q(l.Focus))) w->setFocus();
 }

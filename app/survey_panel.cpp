@@ -56,6 +56,17 @@ SurveyPanel::SurveyPanel(MainFrm& frm, tavik::App& app, tavik::InstrumentState& 
   frm.addDockWidget(Qt::RightDockWidgetArea, this);
   timer3_.setInterval(500);
   connect(&timer3_, &QTimer::timeout, this, &SurveyPanel::BlinkTick);
+  connect(&frm, &MainFrm::paperCleared, this, &SurveyPanel::Forget);
+}
+
+void SurveyPanel::Forget() {
+  // The picture is already wiped: the blink stops without drawing its last half.
+  timer3_.stop();
+  blinkShown_ = false;
+  stationShown_ = false;
+  targetShown_ = false;
+  targetName_.clear();
+  for (auto& [name, label] : labels_) label->clear();
 }
 
 QLabel* SurveyPanel::AddLabel(QFormLayout* form, const char* name, const QString& caption) {

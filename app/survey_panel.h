@@ -59,6 +59,9 @@ class SurveyPanel : public QDockWidget, public tavik::SurveyWindow {
   }
 
   QString Text(const std::string& control) const;
+  bool Blinking() const { return timer3_.isActive(); }
+  // Another document or none: no station, no target, no last point.
+  void Forget();
 
  private:
   QLabel* AddLabel(class QFormLayout* form, const char* name, const QString& caption);

@@ -102,9 +102,13 @@ void SurveyStation::AddMenus() {
   QAction* link = add("MainMnuAutoLink", "自動連線", [] {});
   link->setCheckable(true);
   connect(link, &QAction::toggled, this, [this](bool on) { survey.AutoLink = on ? tavik::kTrue : tavik::kFalse; });
-  add("ImportOBS", "匯入OBS檔...", [this] {
-    if (tavik::ImportOBS(ctx.dialogs, app_.paths.WorkFolder().string())) panel_->RedrawAll();
-  });
+  if (QMenu* import = frm_.Menu("MainMnuImport")) {
+    QAction* a = import->addAction("匯入OBS檔...");
+    a->setObjectName("ImportOBS");
+    connect(a, &QAction::triggered, this, [this] {
+      if (tavik::ImportOBS(ctx.dialogs, app_.paths.WorkFolder().string())) panel_->RedrawAll();
+    });
+  }
 }
 
 void SurveyStation::OpenUserDialog() {

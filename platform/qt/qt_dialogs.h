@@ -32,4 +32,13 @@ class QtDialogs : public Dialogs {
 // the patterns matching names whatever their case, "*.*" matching every name.
 QString QtFilterFromClassic(const std::string& classic);
 
+// What the file dialogs call a file, by its extension in any case: "TAVIK 圖檔" for .SPC,
+// and so on; a folder is "資料夾", any other file "<EXT> 檔".
+QString FileTypeText(const QString& fileName, bool folder);
+
+// Loads Qt's own Traditional Chinese texts (qtbase_zh_TW) when the system has them, for
+// the parts of the standard dialogs the program does not label itself. Without them the
+// program runs as well. Returns whether they were found.
+bool InstallQtTranslation();
+
 }  // namespace tavik::ui

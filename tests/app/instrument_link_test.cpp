@@ -108,7 +108,7 @@ class InstrumentLinkTest : public QObject {
     QByteArray stop = pty.ReadFor(200);
     QCOMPARE(stop, QByteArray("\x12\r\n"));
     QVERIFY(frm.findChild<QLabel*>("MsgObserve")->isHidden());
-    QCOMPARE(LabelText(frm, "Label29"), QString("123-45-12"));
+    QCOMPARE(LabelText(frm, "Label29"), QString("123-45-12.00"));
     QCOMPARE(LabelText(frm, "LabelS"), QString("12.345"));
     QCOMPARE(LabelText(frm, "Label45"), QString("12.345"));
     il.link.StopShot();

@@ -3,11 +3,18 @@
 #include <QComboBox>
 #include <QMenu>
 #include <QMenuBar>
+#include <QDialog>
+#include <QLabel>
+#include <QStatusBar>
+#include <QTextBrowser>
 #include <QtTest>
 #include <cmath>
 #include <filesystem>
 
+#include "app/edit_wiring.h"
 #include "app/program.h"
+#include "app/survey_panel.h"
+#include "app/survey_station.h"
 #include "core/tables.h"
 #include "platform/scripted/scripted.h"
 #include "core/temp_home.h"
@@ -20,8 +27,14 @@ class MainFrmTest : public QObject {
  private:
   static QStringList MenuCaptions(const QMenuBar* bar) {
     QStringList out;
-    for (QAction* a : bar->actions()) out << a->text();
+    for (QAction* a : bar->actions())
+      if (a->isVisible()) out << a->text();
     return out;
+  }
+  static bool Shown(const MainFrm& frm, const char* name) {
+    if (QAction* a = frm.findChild<QAction*>(name)) return a->isVisible();
+    QWidget* w = frm.findChild<QWidget*>(name);
+    return w != nullptr && w->isVisibleTo(w->parentWidget());
   }
 
  private slots:
@@ -29,12 +42,24 @@ class MainFrmTest : public QObject {
     tavik::testing::TempHome home;
     tavik::ui::ScriptedDialogs dialogs;
     Program p(tavik::AppPaths{home.path}, &dialogs);
+    EditWiring w(p);
     p.app.paths.EnsureFolders();
     p.Start();
     QCOMPARE(p.frm.windowTitle(), QString("TAVIK"));
-    QCOMPARE(MenuCaptions(p.frm.menuBar()),
-             QStringList({"檔案(&F)", "測量(&M)", "編輯(&E)", "檢視(&V)", "匯入(&I)", "匯出(&X)", "工具(&U)",
-                          "底圖(&B)", "設定(&T)", "收工(&D)"}));
+    // Export and the base maps have nothing to offer yet and stay out of the bar; every
+    // menu shown offers at least one item.
+    QCOMPARE(MenuCaptions(p.frm.menuBar()), QStringList({"檔案(&F)", "測量(&M)", "編輯(&E)", "檢視(&V)", "匯入(&I)",
+                                                         "工具(&U)", "設定(&T)", "收工(&D)"}));
+    for (QAction* m : p.frm.menuBar()->actions()) {
+      if (!m->isVisible()) continue;
+      int items = 0;
+      for (QAction* a : m->menu()->actions()) items += a->isVisible() && !a->isSeparator();
+      QVERIFY2(items > 0, qPrintable(m->text()));
+    }
+    for (const char* bm : {"BMEraseWindow", "BMLockLineCPnt", "BMLockXLineCPnt", "BMRemove", "BmDispSetup"})
+      QVERIFY2(!p.frm.Command(bm)->isVisible(), bm);
+    QVERIFY(p.frm.findChild<QAction*>("ImportOBS"));
+    QCOMPARE(p.frm.findChild<QAction*>("ImportOBS")->parent(), p.frm.Menu("MainMnuImport"));
     const std::pair<const char*, const char*> file[] = {
         {"MainMnuNew", "開新圖檔(&N)..."}, {"MainMnuOpen", "開啟舊圖檔(&O)..."}, {"MainMnuSave", "存檔(&S)"},
         {"MainMnuSaveAs", "另存新檔(&A)..."}, {"MainMnuClose", "關閉圖檔(&C)"}, {"MainMnuExit", "結束(&X)"}};
@@ -105,6 +130,84 @@ class MainFrmTest : public QObject {
     QVERIFY(p.frm.close());
     QVERIFY(fs::exists(name + ".SPC"));
     QVERIFY(!fs::exists(p.app.paths.TempP0()));
+  }
+
+  void panelsFollowTheDocumentAndItsMode() {
+    tavik::testing::TempHome home;
+    tavik::ui::ScriptedDialogs dialogs;
+    Program p(tavik::AppPaths{home.path}, &dialogs);
+    p.app.paths.EnsureFolders();
+    p.frm.resize(1000, 700);
+    p.frm.show();
+    p.Start();
+    dialogs.files = {(p.app.paths.WorkFolder() / "丙地.SPC").string()};
+    p.cycle.New();
+
+    // A change of the tables shows in every count at the next repaint, before any save.
+    QVERIFY(tavik::AddEntity(p.app.doc, p.app.view, p.app.work, 301, tavik::KindLine, 280850, 2752650, 5, 280860,
+                             2752660, 5, 0, 0, 0, ""));
+    p.frm.Paper1()->update();
+    QTRY_COMPARE(p.frm.LabelText("Label42"), QString("1"));
+    QCOMPARE(p.frm.PanelText(5), QString("圖元 1"));
+    QCOMPARE(p.frm.PanelText(7), QString("螢幕圖 1"));
+
+    // The prompt and the pointer's readout hide neither the scale nor the counts.
+    p.frm.SetPrompt("請點選第一點");
+    p.frm.SetReadout("280850.000", "2752650.000");
+    QCOMPARE(p.frm.PanelText(2), QString("E 280850.000"));
+    QCOMPARE(p.frm.PanelText(3), QString("N 2752650.000"));
+    QCOMPARE(p.frm.statusBar()->currentMessage(), QString("請點選第一點"));
+    QVERIFY(p.frm.findChild<QLabel*>("Panel1")->isVisible());
+    QVERIFY(p.frm.findChild<QLabel*>("Panel5")->isVisible());
+
+    // The measure mode shows its own items only.
+    for (const char* mode : {"GPS", "TS"}) {
+      p.frm.SetMeasureModeMenus(mode);
+      const bool ts = std::string(mode) == "TS";
+      for (const char* item : {"MainMnuFit", "MainMnuResect", "MainMnuStackOut", "SurveyPanel", "WaitPanel"})
+        QVERIFY2(Shown(p.frm, item) == ts, item);
+      QVERIFY(Shown(p.frm, "mnuGpsInit") == !ts);
+    }
+
+    // Close takes the old document's marks with it: no station, no blinking point.
+    SurveyPanel& panel = *p.survey->panel();
+    panel.SetText("LabelStaName", "K1");
+    panel.DrawStationMark(280850, 2752650);
+    panel.StartBlink(280855, 2752655);
+    p.app.doc.MapChanged = tavik::kFalse;
+    QVERIFY(p.cycle.Close());
+    QVERIFY(!panel.Blinking());
+    QCOMPARE(panel.Text("LabelStaName"), QString());
+    QCOMPARE(p.frm.PanelText(2), QString());
+    QCOMPARE(p.frm.LabelText("Label42"), QString("0"));
+    dialogs.files = {(p.app.paths.WorkFolder() / "丁地.SPC").string()};
+    p.cycle.New();
+    const QImage& img = p.frm.Paper1()->Surface().Image();
+    int blue = 0;
+    for (int y = 0; y < img.height(); ++y)
+      for (int x = 0; x < img.width(); ++x) blue += img.pixel(x, y) == qRgb(0, 0, 255);
+    QCOMPARE(blue, 0);
+  }
+
+  void anglesInOneForm() {
+    const std::pair<const char*, const char*> cases[] = {
+        {"15-0-00", "15-00-00.00"},      {"15-00-00", "15-00-00.00"}, {"123-45-12.3", "123-45-12.30"},
+        {"0-5-7", "0-05-07.00"},         {"", ""},                    {"測站A-1的高程為0", "測站A-1的高程為0"},
+        {"A-1-2", "A-1-2"},              {"1234512", "1234512"}};
+    for (const auto& [in, out] : cases) QCOMPARE(QString::fromStdString(MainFrm::AngleText(in)), QString(out));
+  }
+
+  void manualOpensFromTheToolsMenu() {
+    QVERIFY2(!MainFrm::ManualPath().isEmpty(), "the manual is not beside the program nor in the source tree");
+    MainFrm frm;
+    frm.Command("MainMnuManual")->trigger();
+    auto* dlg = frm.findChild<QDialog*>("Manual");
+    QVERIFY(dlg);
+    QCOMPARE(dlg->windowTitle(), QString("TAVIK操作手冊"));
+    auto* text = dlg->findChild<QTextBrowser*>("ManualText");
+    QVERIFY(text->toPlainText().contains("模擬器"));
+    frm.Command("MainMnuManual")->trigger();  // a second call raises the same window
+    QCOMPARE(frm.findChildren<QDialog*>("Manual").size(), 1);
   }
 
   void damagedScaleDoesNotBringTheWindowDown() {

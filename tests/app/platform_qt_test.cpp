@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTreeView>
 #include <QtTest>
 #include <filesystem>
 
@@ -78,7 +79,7 @@ class PlatformQtTest : public QObject {
     tavik::testing::TempHome home;
     for (const char* f : {"a.spc", "b.SPC", "c.Spc", "d.txt"}) tavik::testing::WriteBytes(home.path / f, "x");
     QtDialogs d;
-    QStringList filters, shown;
+    QStringList filters, shown, columns, kinds;
     const QString typed = QString::fromStdString((home.path / "新圖.SPC").string());
     WhenModal("filedialog", [&](QWidget* w) {
       auto* dlg = qobject_cast<QFileDialog*>(w);
@@ -92,6 +93,15 @@ class PlatformQtTest : public QObject {
       const QModelIndex dir = model->index(QString::fromStdString(home.path.string()));
       QTRY_COMPARE_WITH_TIMEOUT(model->rowCount(dir), 3, 3000);
       for (int r = 0; r < model->rowCount(dir); ++r) shown << model->index(r, 0, dir).data().toString();
+      // The list speaks Chinese and names the file types itself, not by the system's
+      // descriptions (which take an .SPC for a certificate bundle).
+      auto* list = dlg->findChild<QTreeView*>("treeView");
+      QVERIFY(list);
+      for (int c = 0; c < 4; ++c) columns << list->model()->headerData(c, Qt::Horizontal).toString();
+      const QModelIndex root = list->rootIndex();
+      for (int r = 0; r < list->model()->rowCount(root); ++r) kinds << list->model()->index(r, 2, root).data().toString();
+      QVERIFY(dlg->testOption(QFileDialog::DontUseNativeDialog));
+      QCOMPARE(dlg->labelText(QFileDialog::FileName), QString("檔案名稱:"));
       auto* name = dlg->findChild<QLineEdit*>("fileNameEdit");
       QVERIFY(name);
       name->setText(typed);
@@ -101,6 +111,8 @@ class PlatformQtTest : public QObject {
     QCOMPARE(filters, QStringList({"Map 7.22(*.SPC)", "所有檔案(*.*)"}));
     shown.sort();
     QCOMPARE(shown, QStringList({"a.spc", "b.SPC", "c.Spc"}));
+    QCOMPARE(columns, QStringList({"名稱", "大小", "類型", "修改日期"}));
+    QCOMPARE(kinds, QStringList({"TAVIK 圖檔", "TAVIK 圖檔", "TAVIK 圖檔"}));
     QCOMPARE(QString::fromStdString(got), typed);
 
     WhenModal("filedialog-cancel", [](QWidget* w) { qobject_cast<QDialog*>(w)->reject(); });
@@ -113,6 +125,9 @@ class PlatformQtTest : public QObject {
     QCOMPARE(QtFilterFromClassic("Map 7.22(*.SPC)|*.SPC|MAP (*.SP)|*.sp|所有檔案(*.*)|*.*"),
              QString("Map 7.22(*.SPC) (*.[sS][pP][cC]);;MAP (*.SP) (*.[sS][pP]);;所有檔案(*.*) (*)"));
     QCOMPARE(QtFilterFromClassic("DXF(*.dxf)|*.dxf;*.dwg"), QString("DXF(*.dxf) (*.[dD][xX][fF] *.[dD][wW][gG])"));
+    QCOMPARE(FileTypeText("甲地.spc", false), QString("TAVIK 圖檔"));
+    QCOMPARE(FileTypeText("x.pdf", false), QString("PDF 檔"));
+    QCOMPARE(FileTypeText("工作目錄", true), QString("資料夾"));
   }
 
   void invertedFiguresDrawnTwiceVanish() {
