@@ -152,6 +152,10 @@ bool StackOutLogic::ChooseTarget(double X, double Y) {
       if (PickBoxTest(view, doc.ScaleDenominator, X, Y, 20, b.X[0], b.Y[0]))
         return SetTarget(b.X[0], b.Y[0], b.Z[0], 131, text::Trim(b.Name));
     }
+    // The point observed last, when the display settings offer it as a target.
+    const SurveyState& s = ctx_.survey;
+    if (s.StakeLastObserved != kFalse && PickBoxTest(view, doc.ScaleDenominator, X, Y, 20, s.LastE, s.LastN))
+      return SetTarget(s.LastE, s.LastN, s.LastH, 131, "");
     double minE = 0, minN = 0, maxE = 0, maxN = 0, clickE = 0, clickN = 0;
     PaperToWorld(view, doc.ScaleDenominator, X - 4, Y + 4, minE, minN);
     PaperToWorld(view, doc.ScaleDenominator, X + 4, Y - 4, maxE, maxN);
@@ -233,7 +237,6 @@ void StackOutLogic::Command5() {
   StopFamily();
   if (family_ == Family::Pentax || family_ == Family::Trimble3600) CloseDialogPort(port_);
   if (family_ == Family::Leica) Write("SET/161/7\r\n");
-  if (family_ == Family::Trimble && ctx_.link.EnableTimer5) ctx_.link.EnableTimer5(true);
   CloseDialogPort(port_);
   ctx_.inst.StakeOutActive = kFalse;
   ctx_.window.EraseTargetMark();
@@ -244,9 +247,9 @@ void StackOutLogic::Command2() {
   if (family_ == Family::Keyin) return;
   Document& doc = ctx_.doc;
   SurveyState& s = ctx_.survey;
-  const int32_t before = doc.PointCount;
   AddSurveyPoint(ctx_, 2, true, s.LastE, s.LastN, s.LastH);
-  if (doc.PointCount == before) return;
+  // The named entity is added even when the point itself was already stored: a second
+  // press records the target's name again at the same place.
   AddEntity(doc, ctx_.view, ctx_.work, StakeTargetCode, KindPoint, s.LastE, s.LastN, s.LastH, 0, 0, 0, 0, 0, 0,
             s.StakeTargetName);
   ctx_.window.DrawSymbol(StakeTargetCode, s.LastE, s.LastN, s.LastH, s.StakeTargetName);
@@ -256,6 +259,7 @@ void StackOutLogic::Command2() {
 
 void StackOutLogic::OnByte(char c) {
   const DialogAnswer a = conversation_.Feed(c);
+  if (a.kind == DialogAnswer::Error) ShowAnswerError(ctx_, a);
   if (a.kind != DialogAnswer::Shot) return;
   if (!a.Reply.empty()) Write(a.Reply);
   TakeShot(a.shot);

@@ -44,12 +44,12 @@ GuideAdvice Guide(double hz, double v, double slope, double stationE, double sta
   double t = hz - orientationConstant + TwoPi - targetCircle;
   if (TwoPi < t) t -= TwoPi;
   g.Turn = t;
-  if (t > 0 && t < Pi) {
-    g.TurnText = "向右 " + DmsLabel(t);
-  } else {
-    g.TurnText = "向左 " + DmsLabel(std::fabs(t));
-  }
+  g.TurnText = TurnText(t);
   return g;
+}
+
+std::string TurnText(double T) {
+  return T > 0 && T < Pi ? "向右 " + DmsLabel(T) : "向左 " + DmsLabel(std::fabs(T));
 }
 
 }  // namespace tavik

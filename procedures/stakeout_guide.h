@@ -20,6 +20,10 @@ TargetAim AimAtTarget(double stationE, double stationN, double targetE, double t
 // An angle in radians as "D-MM-SS" with the formats "0-", "00-", "00".
 std::string DmsLabel(double radians);
 
+// The turn advice for T, the reading minus the target's, in radians: "向右 " and T for
+// T strictly between 0 and pi, otherwise "向左 " and |T| as it stands, not reduced.
+std::string TurnText(double T);
+
 struct GuideAdvice {
   double E = 0, N = 0;      // where the prism is
   double Along = 0;         // L: metres beyond the target along the line of sight

@@ -27,6 +27,10 @@ struct SurveyState {
   int16_t CadastralChoice = 0;  // 0 cancelled, 1 a MAC attribute, 2 only a legend symbol
   std::string CadastralPointName;
   std::string StakeTargetName;
+  // Display setting: the stake-out may take the point observed last as its target.
+  int16_t StakeLastObserved = kFalse;
+  // A legend chosen for the next point; storing a point uses it up.
+  int16_t CurrentLegendActive = kFalse;
   // Height of the backsight of the set-up in force; not kept in the document file.
   double BacksightH = 0;
 };

@@ -7,6 +7,7 @@
 #include "geo/angles.h"
 #include "procedures/stakeout.h"
 #include "procedures/stakeout_guide.h"
+#include "instruments/fake_port.h"
 #include "survey_fixture.h"
 
 namespace tavik {
@@ -42,10 +43,20 @@ TEST(StakeoutGuide, AdviceAsTheRodApproaches) {
       EXPECT_EQ(g.TurnText, s.turn);
     }
   }
-  // On the line: T comes out a whole turn (not reduced unless above it), so the advice
-  // is to the left by a full circle, which reads as no turn at all on the instrument.
-  const GuideAdvice on = Guide(aim.Circle, Pi / 2, 50, 1000, 2000, kOC, 1030, 2040, aim.Circle);
-  EXPECT_TRUE(on.TurnText == "向左 360-00-00" || on.TurnText == "向右 0-00-00") << on.TurnText;
+}
+
+TEST(StakeoutGuide, TurnAdviceByTheSizeOfT) {
+  const struct {
+    double T;
+    const char* text;
+  } cases[] = {
+      {0, "向左 0-00-00"},  // exactly on the target's reading
+      {0.01, "向右 0-34-23"},
+      {Pi, "向左 180-00-00"},
+      {-0.01, "向左 0-34-23"},
+      {TwoPi - 0.01, "向左 359-25-37"},  // not reduced: a large left turn
+  };
+  for (const auto& c : cases) EXPECT_EQ(TurnText(c.T), c.text) << c.T;
 }
 
 struct Stakeout : testing::SurveyFixture {
@@ -170,9 +181,11 @@ TEST_F(Stakeout, SetLinesDriveTheGuideAndRecord) {
   const auto stk = Lines(".STK");
   ASSERT_EQ(stk.size(), 1u);
   EXPECT_EQ(stk[0].substr(0, 3), "T1,");
-  // A second record without a new observation adds nothing.
+  // A second record without a new observation adds no point, but the named entity again.
+  const int32_t entities = doc.EntityCount;
   dlg.Command2();
   EXPECT_EQ(doc.PointCount, 1);
+  EXPECT_EQ(doc.EntityCount, entities + 1);
   dlg.Command18();
   EXPECT_EQ(link.set.substr(link.set.size() - 3), std::string("\x12\r\n"));
   EXPECT_TRUE(dlg.Command5Enabled);
@@ -203,11 +216,93 @@ TEST_F(Stakeout, BaseMapTargets) {
     EXPECT_EQ(survey.StakeTargetName, c.wantName);
     // At stop a nameless target vanishes; a named one stays.
     const bool nameless = std::string(c.wantName) == "NoName";
+    if (nameless) {
+      // Recorded before the stop, the entity carries the very name "NoName".
+      dlg.Command2();
+      EXPECT_EQ(doc.EntityTable.back().Name, "NoName");
+    }
     dlg.Command18();
     EXPECT_EQ(dlg.TargetChosen, !nameless) << c.wantName;
     EXPECT_EQ(dlg.StakeTargetE, nameless ? 0 : c.wantE) << c.wantName;
     EXPECT_EQ(dlg.StakeTargetCode, nameless ? 0 : 131);
   }
+}
+
+TEST_F(Stakeout, EqualDistancesToBothEndsTakeTheFirst) {
+  auto [x, y] = PixelOf(1010, 2010);
+  double cE = 0, cN = 0;
+  PaperToWorld(view, doc.ScaleDenominator, x, y, cE, cN);
+  BaseMapLine b;
+  b.Kind = KindLine;
+  b.X[0] = cE + 0.25;
+  b.X[1] = cE - 0.25;
+  b.Y[0] = b.Y[1] = cN;
+  doc.BaseMapTable = {b};
+  doc.BaseMapCount = 1;
+  StackOutLogic dlg(ctx, nullptr);
+  ASSERT_TRUE(dlg.ChooseTarget(x, y));
+  EXPECT_EQ(dlg.StakeTargetE, cE + 0.25);
+}
+
+TEST_F(Stakeout, LastObservedPointIsATargetWhenTheSettingsOfferIt) {
+  doc.BaseMapTable = {BaseMapLine{}};
+  doc.BaseMapCount = 1;
+  survey.LastE = 1020;
+  survey.LastN = 2030;
+  auto [x, y] = PixelOf(1020, 2030);
+  StackOutLogic dlg(ctx, nullptr);
+  EXPECT_FALSE(dlg.ChooseTarget(x, y));
+  survey.StakeLastObserved = kTrue;
+  ASSERT_TRUE(dlg.ChooseTarget(x, y));
+  EXPECT_EQ(dlg.StakeTargetE, 1020);
+  EXPECT_EQ(dlg.StakeTargetCode, 131);
+}
+
+// Answers over the dialog's own port: damaged or refused ones are shown as the link
+// shows them, one without a distance is dropped and guides nothing.
+TEST_F(Stakeout, DialogPortAnswersThatGuideNothing) {
+  AddEntity(doc, view, work, 113, 1030, 2040, 51, "T1");
+  auto [x, y] = PixelOf(1030, 2040);
+  std::string k3600V2(90, ' ');
+  k3600V2.replace(43, 2, "SD").replace(45, 12, "      12.345").replace(74, 2, "V2");
+  const struct {
+    const char* kind;
+    std::string answer;
+    const char* box;
+    const char* obsBox;
+  } cases[] = {
+      {"PENTAX", "HD  0123.45.12\r\n", nullptr, "資料錯誤!!(資料不全)"},
+      {"Trimble3600", k3600V2 + "\r\n", "垂直角定義錯誤", ""},
+      {"TCR1103", "*21.322+12345670 *22.324+09000000 *87.000+00000000\r\n", nullptr, ""},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.kind);
+    dialogs.shown.clear();
+    link.obsBox.clear();
+    link.obsBoxRed = false;
+    inst.InstrumentKind = c.kind;
+    test::FakePort port;
+    StackOutLogic dlg(ctx, &port);
+    ASSERT_TRUE(dlg.ChooseTarget(x, y));
+    dlg.ReadTS();
+    port.Receive(c.answer);
+    EXPECT_EQ(dlg.Label8, "");
+    EXPECT_EQ(dialogs.Messages(), c.box ? std::vector<std::string>{c.box} : std::vector<std::string>{});
+    EXPECT_EQ(link.obsBox, c.obsBox);
+    EXPECT_EQ(link.obsBoxRed, std::string(c.kind) == "PENTAX");
+  }
+}
+
+TEST_F(Stakeout, TrimbleLeavesTheAutosaveTimerStopped) {
+  inst.InstrumentKind = "Trimble";
+  std::vector<bool> timer5;
+  ctx.link.EnableTimer5 = [&](bool on) { timer5.push_back(on); };
+  test::FakePort port;
+  StackOutLogic dlg(ctx, &port);
+  dlg.Load();
+  dlg.Command5();
+  EXPECT_EQ(timer5, std::vector<bool>{false});
+  EXPECT_EQ(port.written, "TG\r\nPG,3=0\r\n");
 }
 
 }  // namespace
