@@ -7,11 +7,13 @@
 #include <QMouseEvent>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QPainter>
 #include <QScreen>
 #include <QTableWidget>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QVBoxLayout>
+#include <QWheelEvent>
 
 #include "app/legmenu.h"
 #include "core/tables.h"
@@ -87,8 +89,12 @@ class EditWiring::WindowHost : public tavik::edit::MapHost {
   void ModeChanged(const std::string& mode) override {
     for (QToolBar* bar : {w_.toolbar1_, w_.toolbar2_}) {
       if (!bar) continue;
-      for (QAction* a : bar->actions())
-        if (a->isCheckable()) a->setChecked(a->objectName().toStdString() == mode || (mode == "ZoomW" && a->objectName() == "ZW"));
+      for (QAction* a : bar->actions()) {
+        const std::string key = a->objectName().toStdString();
+        bool unused;
+        if (!a->isCheckable() || tavik::view::ToggleState(w_.display_, key, unused)) continue;
+        a->setChecked(key == mode || (mode == "ZoomW" && key == "ZW"));
+      }
     }
   }
 
@@ -122,11 +128,21 @@ EditWiring::EditWiring(Program& program)
   cycle.hooks.ResetPointer = [this] {
     editor_->Reset();
     tavik::view::ClearViewHistory(program_.app.view, program_.frm);
+    documentChanged_ = true;
   };
+  host_->BaseMapSetUp = [&app] { return app.BaseMapOn; };
   program_.frm.handlers.Redraw = [this](tavik::ui::Surface&) {
+    // The first repaint of a document just opened or recovered shows its base map when
+    // the document cycle switched it on; after that only SwitchBM changes it.
+    if (documentChanged_ && program_.app.doc.IsOpen()) {
+      display_.ShowBaseMap = program_.app.BaseMapOn ? tavik::kTrue : tavik::kFalse;
+      documentChanged_ = false;
+    }
     canvas_->ResetClip();
     tavik::view::RedrawAll(*canvas_);
+    ShowToggles();
   };
+  program_.frm.Paper1()->Overlay = [this](QPainter& p) { DrawRubberBand(p); };
   // A scroll bar moves the centre by the fast path while it is held. Paper1 here keeps
   // the visible area only, so letting go runs the full tail and fills the picture again.
   program_.frm.handlers.HScroll = [this](int v) { tavik::view::HScrollTo(*canvas_, v); };
@@ -188,14 +204,17 @@ void EditWiring::BuildToolbars() {
     QAction* a = toolbar1_->addAction(QString::fromUtf8(b.caption));
     a->setObjectName(QString::fromUtf8(b.key));
     a->setToolTip(QString::fromUtf8(b.key));
-    a->setCheckable(std::string(b.key) == "ZW");
     const std::string key = b.key;
+    bool unused;
+    a->setCheckable(key == "ZW" || tavik::view::ToggleState(display_, key, unused));
     connect(a, &QAction::triggered, this, [this, key] {
       editor_->Toolbar1Click(key);
       host_->ModeChanged(editor_->Ptr.ActionMode);  // a refused mode must not stay pressed
+      ShowToggles();  // a refused toggle must not change its button either
       program_.frm.Paper1()->update();
     });
   }
+  ShowToggles();
   program_.frm.addToolBarBreak();
   toolbar2_ = program_.frm.addToolBar("Toolbar2");
   toolbar2_->setObjectName("Toolbar2");
@@ -213,6 +232,41 @@ void EditWiring::BuildToolbars() {
   AddLegendButton(
       toolbar2_, program_.app.doc, [this] { return editor_->Ptr.ActionMode; }, program_.dialogs,
       [this](int16_t code) { host_->LegendChanged(code); });
+}
+
+void EditWiring::ShowToggles() {
+  if (!toolbar1_) return;
+  for (QAction* a : toolbar1_->actions()) {
+    bool on = false;
+    if (tavik::view::ToggleState(display_, a->objectName().toStdString(), on)) a->setChecked(on);
+  }
+}
+
+void EditWiring::DrawRubberBand(QPainter& p) const {
+  const tavik::edit::PointerState& ptr = editor_->Ptr;
+  if (!program_.app.doc.IsOpen() || ptr.Panning) return;
+  auto visible = [this](double x, double y) { return QPointF(x - paper_.Dx(), y - paper_.Dy()); };
+  p.setPen(QPen(QColor(255, 255, 0), 1));
+  p.setBrush(Qt::NoBrush);
+  if (ptr.Windowing) {
+    p.drawRect(QRectF(visible(ptr.DragAnchorX, ptr.DragAnchorY), visible(ptr.DragNowX, ptr.DragNowY)).normalized());
+    return;
+  }
+  // A chain of lines, or the ring of an area query, runs from its last vertex to the pointer.
+  const std::vector<double>* from = nullptr;
+  std::size_t last = 0;
+  if (ptr.LineInProgress && ptr.ChainCount > 0 &&
+      ptr.ChainPoints[1].size() >= static_cast<std::size_t>(ptr.ChainCount)) {
+    from = ptr.ChainPoints;
+    last = static_cast<std::size_t>(ptr.ChainCount) - 1;
+  } else if (ptr.ActionMode == tavik::edit::mode::QAREA && !editor_->Area.AreaRing[1].empty()) {
+    from = editor_->Area.AreaRing;
+    last = editor_->Area.AreaRing[1].size() - 1;
+  }
+  if (!from || from[0].size() <= last) return;
+  float x = 0, y = 0;
+  tavik::WorldToPaper(program_.app.view, program_.app.doc.ScaleDenominator, from[0][last], from[1][last], x, y);
+  p.drawLine(visible(x, y), visible(ptr.PointerX, ptr.PointerY));
 }
 
 void EditWiring::BuildMenus() {
@@ -325,6 +379,20 @@ bool EditWiring::eventFilter(QObject* watched, QEvent* event) {
           editor_->MouseUp(ButtonValue(me->button()), shift, x, y);
         else
           editor_->MouseMove(ButtonValue(me->button()), shift, x, y);
+        paper->update();
+        return true;
+      }
+      case QEvent::Wheel: {
+        // Each notch (120 eighths of a degree) zooms one step about the pointer; a
+        // finer wheel adds its turns up to a notch. Not while a drag holds the view.
+        if (!program_.app.doc.IsOpen()) return false;
+        auto* we = static_cast<QWheelEvent*>(event);
+        if (editor_->Ptr.Panning || editor_->Ptr.Windowing) return true;
+        wheelDelta_ += we->angleDelta().y();
+        const float x = static_cast<float>(we->position().x()) + paper_.Dx();
+        const float y = static_cast<float>(we->position().y()) + paper_.Dy();
+        for (; wheelDelta_ >= 120; wheelDelta_ -= 120) tavik::view::ZoomAbout(*canvas_, true, x, y);
+        for (; wheelDelta_ <= -120; wheelDelta_ += 120) tavik::view::ZoomAbout(*canvas_, false, x, y);
         paper->update();
         return true;
       }

@@ -21,6 +21,7 @@
 #include "view/display.h"
 #include "view/view_ui.h"
 
+class QPainter;
 class QToolBar;
 
 // Paper1's coordinates onto the visible image.
@@ -31,18 +32,27 @@ class PaperSurface : public tavik::ui::Surface {
   void SetPen(tavik::ui::Rgb colour, int width, tavik::ui::LineStyle style) override {
     image_.SetPen(colour, width, style);
   }
-  void SetDrawMode(tavik::ui::DrawMode mode) override { image_.SetDrawMode(mode); }
+  // Figures drawn in the inverting mode are rubber bands: they never enter the picture,
+  // the window draws the band over it instead (EditWiring::DrawRubberBand).
+  void SetDrawMode(tavik::ui::DrawMode mode) override {
+    banding_ = mode == tavik::ui::DrawMode::Invert;
+    image_.SetDrawMode(tavik::ui::DrawMode::Copy);
+  }
   void SetFill(bool filled, tavik::ui::Rgb colour) override { image_.SetFill(filled, colour); }
   void Line(float x1, float y1, float x2, float y2) override {
-    image_.Line(x1 - Dx(), y1 - Dy(), x2 - Dx(), y2 - Dy());
+    if (!banding_) image_.Line(x1 - Dx(), y1 - Dy(), x2 - Dx(), y2 - Dy());
   }
-  void Circle(float cx, float cy, float r) override { image_.Circle(cx - Dx(), cy - Dy(), r); }
+  void Circle(float cx, float cy, float r) override {
+    if (!banding_) image_.Circle(cx - Dx(), cy - Dy(), r);
+  }
   void Arc(float cx, float cy, float r, double a1, double a2) override {
-    image_.Arc(cx - Dx(), cy - Dy(), r, a1, a2);
+    if (!banding_) image_.Arc(cx - Dx(), cy - Dy(), r, a1, a2);
   }
-  void SetPixel(float x, float y, tavik::ui::Rgb colour) override { image_.SetPixel(x - Dx(), y - Dy(), colour); }
+  void SetPixel(float x, float y, tavik::ui::Rgb colour) override {
+    if (!banding_) image_.SetPixel(x - Dx(), y - Dy(), colour);
+  }
   void Text(float x, float y, const std::string& utf8, tavik::ui::Rgb colour, int pixelSize) override {
-    image_.Text(x - Dx(), y - Dy(), utf8, colour, pixelSize);
+    if (!banding_) image_.Text(x - Dx(), y - Dy(), utf8, colour, pixelSize);
   }
   float Width() const override { return 4 * view_.ViewWidthPixels; }
   float Height() const override { return 4 * view_.ViewHeightPixels; }
@@ -52,6 +62,7 @@ class PaperSurface : public tavik::ui::Surface {
  private:
   tavik::ui::Surface& image_;
   const tavik::View& view_;
+  bool banding_ = false;
 };
 
 class EditWiring : public QObject {
@@ -79,6 +90,10 @@ class EditWiring : public QObject {
   class WindowHost;
   void BuildToolbars();
   void BuildMenus();
+  // The Toolbar1 toggles shown pressed as their display switches stand.
+  void ShowToggles();
+  // The rubber band of the command in progress, in yellow over the picture.
+  void DrawRubberBand(QPainter& p) const;
 
   Program& program_;
   tavik::view::Display display_;
@@ -88,4 +103,6 @@ class EditWiring : public QObject {
   std::unique_ptr<tavik::edit::Editor> editor_;
   QToolBar* toolbar1_ = nullptr;
   QToolBar* toolbar2_ = nullptr;
+  bool documentChanged_ = true;  // New, Open or Close since the last repaint of a document
+  int wheelDelta_ = 0;           // wheel turn not yet taken, in eighths of a degree
 };

@@ -15,6 +15,7 @@ void PaperWidget::paintEvent(QPaintEvent*) {
   QPainter p(this);
   if (dx_ != 0 || dy_ != 0) p.fillRect(rect(), Qt::white);
   p.drawImage(dx_, dy_, surface_.Image());
+  if (Overlay) Overlay(p);
 }
 
 void PaperWidget::SetShift(int dx, int dy) {

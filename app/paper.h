@@ -6,6 +6,8 @@
 #include <QWidget>
 #include <functional>
 
+class QPainter;
+
 #include "platform/qt/image_surface.h"
 
 class PaperWidget : public QWidget {
@@ -17,6 +19,9 @@ class PaperWidget : public QWidget {
   void SetShift(int dx, int dy);
   // Called after the surface took a new size, to paint the map again.
   std::function<void()> OnResized;
+  // Drawn over the picture at every paint, in the widget's pixels: what follows the
+  // pointer (a rubber band) and must outlive every repaint of the picture.
+  std::function<void(QPainter&)> Overlay;
 
  protected:
   void paintEvent(QPaintEvent*) override;

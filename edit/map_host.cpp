@@ -46,11 +46,17 @@ void MapHost::ViewCommand(const std::string& key) {
   else if (key == "SwitchPtName")
     view::SwitchPtName(canvas_);
   else if (key == "SwitchBM")
-    view::SwitchBM(canvas_);
+    view::SwitchBM(canvas_, BaseMapSetUp ? BaseMapSetUp() : true);
   else if (key == "SwitchBreak")
     view::SwitchBreak(canvas_);
   else if (key == "DispGrid")
     view::DispGrid(canvas_);
+  else if (key == "SwitchEle")
+    view::SwitchEle(canvas_);
+  else if (key == "垂距開關")
+    view::SwitchVertical(canvas_);
+  else if (key == "SwitchSN")
+    view::SwitchSN(canvas_);
 }
 
 }  // namespace tavik::edit

@@ -3,6 +3,8 @@
 // commands of other subsystems) by deriving from this class; tests use it as it stands.
 #pragma once
 
+#include <functional>
+
 #include "edit/editor.h"
 #include "view/canvas.h"
 #include "view/navigation.h"
@@ -24,6 +26,10 @@ class MapHost : public EditHost {
   void ViewCommand(const std::string& key) override;
 
   view::MapCanvas& Canvas() { return canvas_; }
+
+  // True when the document's base map is set up to be shown (SwitchBM refuses before);
+  // unset, a base map counts as set up.
+  std::function<bool()> BaseMapSetUp;
 
  private:
   view::MapCanvas& canvas_;

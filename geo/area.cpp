@@ -62,7 +62,9 @@ std::string FormatAreaLabel(ui::Surface& paper, const View& view, double scaleDe
   float x = 0, y = 0;
   WorldToPaper(view, scaleDenominator, E, N, x, y);
   const double length = static_cast<double>(text::CharCount(text));
-  const ui::Rgb colour = flag != 0 ? ui::QBColor(0) : ui::QBColor(15);
+  // The flag is the text routine's highlight: a new label (-1) stands out in blue, any
+  // other in the ordinary text colour.
+  const ui::Rgb colour = flag != 0 ? ui::MakeRgb(0, 0, 255) : ui::MakeRgb(0, 0, 0);
   paper.Text(static_cast<float>(x - length * 7 / 2), y - 9, text, colour);
   return text;
 }

@@ -39,8 +39,8 @@ double AreaRingClose(const AreaRingState& ring, double& labelE, double& labelN);
 std::string AreaLabelText(double squareMetres, int16_t areaUnit);
 
 // Draws the label centred on (E, N): left edge X - length * 7 / 2, reference Y - 9 in
-// pixels, length in characters. Flag -1 draws it in the text colour, 0 draws it in the
-// background colour to wipe an earlier label. Returns the text drawn.
+// pixels, length in characters. The flag goes to the text drawing as its highlight:
+// -1 draws the label highlighted (blue), 0 in the text colour (black). Returns the text.
 std::string FormatAreaLabel(ui::Surface& paper, const View& view, double scaleDenominator, int16_t areaUnit,
                             double E, double N, double squareMetres, int16_t flag);
 

@@ -1,5 +1,4 @@
-// Display switches and colours of the map view, and the few pieces of pointer state the
-// repaint draws again (the rubber band of a chain being drawn).
+// Display switches and colours of the map view.
 #pragma once
 
 #include <cstdint>
@@ -21,10 +20,11 @@ struct Display {
   int16_t ReferenceEntityColourOn = kTrue;
   int16_t ReferenceTextColourOn = kTrue;
 
-  // Toolbar1 toggles read by the repaint.
-  bool GridOn = false;        // button 26, DispGrid
-  bool ElevationsOn = false;  // button 27
-  bool CodesOn = false;       // the display of codes
+  // Toolbar1 toggles read by the repaint; each button shows its flag pressed.
+  bool GridOn = false;        // DispGrid
+  bool ElevationsOn = false;  // SwitchEle: the height of every survey point
+  bool VerticalOn = false;    // 垂距開關: every point's height above or below the station
+  bool CodesOn = false;       // SwitchSN: the running number of every survey point
 
   ui::Rgb Background = ui::MakeRgb(255, 255, 255);
   ui::Rgb PointColour = ui::MakeRgb(255, 0, 0);
@@ -32,13 +32,6 @@ struct Display {
   ui::Rgb BaseMapLineColour = ui::MakeRgb(0, 160, 160);
   ui::Rgb BaseMapTextColour = ui::MakeRgb(0, 120, 120);
   bool BaseMapCode12Marks = true;  // mark the Code 12 points of a base map
-
-  // A chain of lines being drawn: the rubber band from its last vertex to the pointer is
-  // drawn again after a repaint.
-  bool LineInProgress = false;
-  int ChainCount = 0;
-  double ChainLastE = 0, ChainLastN = 0;
-  float PointerX = 0, PointerY = 0;  // pixel of the pointer on Paper1
 
   // The matching overlay of the map-matching tools, when on.
   std::function<void()> MatchingOverlay;

@@ -1,5 +1,6 @@
 #include "view/extent.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "view/transform.h"
@@ -75,11 +76,23 @@ bool ExtentOfLiveData(Document& doc) {
   return true;
 }
 
+double WholeExtentMargin(double pixels) {
+  const double margin = std::max(40.0, pixels / 10);
+  return std::min(margin, pixels / 4);
+}
+
 bool FitWholeExtent(Document& doc, View& view, ViewUi& ui) {
   if (!ExtentOfLiveData(doc)) return false;
   doc.ViewCentreE = (doc.MinE + doc.MaxE) / 2;
   doc.ViewCentreN = (doc.MinN + doc.MaxN) / 2;
-  FitScale(doc, view, doc.MinE, doc.MinN, doc.MaxE, doc.MaxN, ui);
+  // Fit the extent into the view less a margin at each side, by widening it about its
+  // middle in the ratio of the view to the view less its margins.
+  const double w = view.ViewWidthPixels, h = view.ViewHeightPixels;
+  const double growE = w > 0 ? w / (w - 2 * WholeExtentMargin(w)) : 1;
+  const double growN = h > 0 ? h / (h - 2 * WholeExtentMargin(h)) : 1;
+  const double halfE = (doc.MaxE - doc.MinE) / 2 * growE, halfN = (doc.MaxN - doc.MinN) / 2 * growN;
+  FitScale(doc, view, doc.ViewCentreE - halfE, doc.ViewCentreN - halfN, doc.ViewCentreE + halfE,
+           doc.ViewCentreN + halfN, ui);
   ComputeView(doc, view, ui);
   if (doc.ScaleDenominator == 1) {
     doc.MinE = view.PaperMinE;

@@ -1,5 +1,6 @@
 #include "view/navigation.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/numbers.h"
@@ -108,19 +109,50 @@ bool ZT(MapCanvas& c) {
   return true;
 }
 
+namespace {
+
+// The scale one zoom step gives, or 0 when the step changes nothing: in by a quarter,
+// not below 1; out by the inverse, not beyond MaxScaleDenominator.
+double ZoomedScale(double scale, bool in) {
+  if (in) return scale == 1 ? 0 : std::max(1.0, scale * 0.75);
+  return scale / 0.75 <= MaxScaleDenominator ? scale / 0.75 : 0;
+}
+
+}  // namespace
+
 bool ZoomIn(MapCanvas& c) {
-  if (!c.doc.IsOpen() || c.doc.ScaleDenominator == 1) return false;
+  if (!c.doc.IsOpen()) return false;
+  const double scale = ZoomedScale(c.doc.ScaleDenominator, true);
+  if (scale == 0) return false;
   PushPresent(c);
-  c.doc.ScaleDenominator *= 0.75;
-  if (c.doc.ScaleDenominator < 1) c.doc.ScaleDenominator = 1;
+  c.doc.ScaleDenominator = scale;
   AfterViewChange(c);
   return true;
 }
 
 bool ZoomOut(MapCanvas& c) {
-  if (!c.doc.IsOpen() || !(c.doc.ScaleDenominator / 0.75 <= MaxScaleDenominator)) return false;
+  if (!c.doc.IsOpen()) return false;
+  const double scale = ZoomedScale(c.doc.ScaleDenominator, false);
+  if (scale == 0) return false;
   PushPresent(c);
-  c.doc.ScaleDenominator /= 0.75;
+  c.doc.ScaleDenominator = scale;
+  AfterViewChange(c);
+  return true;
+}
+
+bool ZoomAbout(MapCanvas& c, bool in, float x, float y) {
+  if (!c.doc.IsOpen() || !std::isfinite(x) || !std::isfinite(y)) return false;
+  const double scale = ZoomedScale(c.doc.ScaleDenominator, in);
+  if (scale == 0) return false;
+  double E, N;
+  PaperToWorld(c.doc, c.view, x, y, E, N);
+  PushPresent(c);
+  c.doc.ScaleDenominator = scale;
+  // The centre moves so that the same ground stays under the pointer: seen from the
+  // centre of the paper, the pointer's pixel offset now stands for fewer or more metres.
+  const double metresPerPixel = scale / 100 / PixelsPerCm;
+  c.doc.ViewCentreE = E - (x - 2.0 * c.view.ViewWidthPixels) * metresPerPixel;
+  c.doc.ViewCentreN = N + (y - 2.0 * c.view.ViewHeightPixels) * metresPerPixel;
   AfterViewChange(c);
   return true;
 }
@@ -173,7 +205,15 @@ bool SwitchPtName(MapCanvas& c) {
   return c.display.ShowPointNames != 0;
 }
 
-bool SwitchBM(MapCanvas& c) {
+bool SwitchBM(MapCanvas& c, bool baseMapSetUp) {
+  if (c.doc.BaseMapCount == 0) {
+    c.dialogs.MsgBox("這張圖中沒有底圖");
+    return c.display.ShowBaseMap != 0;
+  }
+  if (!baseMapSetUp) {
+    c.dialogs.MsgBox("底圖要顯示前,請先設定底圖");
+    return c.display.ShowBaseMap != 0;
+  }
   c.display.ShowBaseMap = c.display.ShowBaseMap ? kFalse : kTrue;
   RedrawAll(c);
   return c.display.ShowBaseMap != 0;
@@ -190,6 +230,37 @@ bool DispGrid(MapCanvas& c) {
   c.ui.SetToolbarPressed(ButtonGrid, c.display.GridOn);
   RedrawAll(c);  // at 1 : 15000 and beyond the repaint releases the button again
   return c.display.GridOn;
+}
+
+bool SwitchEle(MapCanvas& c) {
+  c.display.ElevationsOn = !c.display.ElevationsOn;
+  c.ui.SetToolbarPressed(ButtonElevations, c.display.ElevationsOn);
+  RedrawAll(c);
+  return c.display.ElevationsOn;
+}
+
+bool SwitchVertical(MapCanvas& c) {
+  c.display.VerticalOn = !c.display.VerticalOn;
+  RedrawAll(c);
+  return c.display.VerticalOn;
+}
+
+bool SwitchSN(MapCanvas& c) {
+  c.display.CodesOn = !c.display.CodesOn;
+  RedrawAll(c);
+  return c.display.CodesOn;
+}
+
+bool ToggleState(const Display& d, const std::string& key, bool& on) {
+  if (key == "SwitchPtName") on = d.ShowPointNames != 0;
+  else if (key == "SwitchBM") on = d.ShowBaseMap != 0;
+  else if (key == "DispGrid") on = d.GridOn;
+  else if (key == "SwitchEle") on = d.ElevationsOn;
+  else if (key == "垂距開關") on = d.VerticalOn;
+  else if (key == "SwitchBreak") on = d.ShowBreakLines != 0;
+  else if (key == "SwitchSN") on = d.CodesOn;
+  else return false;
+  return true;
 }
 
 void DrawNewPoint(MapCanvas& c, std::size_t row) {

@@ -24,6 +24,9 @@ bool ZC(MapCanvas& c);
 bool ZT(MapCanvas& c);
 bool ZoomIn(MapCanvas& c);   // F12
 bool ZoomOut(MapCanvas& c);  // F11
+// The mouse wheel: one step of ZoomIn or ZoomOut about the pixel (x, y) of Paper1, whose
+// ground stays under the pointer. The view is pushed and the tail runs, as for the keys.
+bool ZoomAbout(MapCanvas& c, bool in, float x, float y);
 
 // Largest scale denominator the view accepts; zooming out stops there.
 constexpr double MaxScaleDenominator = 1e8;
@@ -48,11 +51,18 @@ void VScrollTo(MapCanvas& c, int value);
 // ShowScrollBars: both bars from the present view.
 void ShowScrollBars(MapCanvas& c);
 
-// Display toggles of Toolbar1; each repaints. They return the new state.
+// Display toggles of Toolbar1; each flips its flag and repaints, and returns the new
+// state. SwitchBM shows the base map only in a document that has one, once it is set
+// up; otherwise it says why and changes nothing.
 bool SwitchPtName(MapCanvas& c);
-bool SwitchBM(MapCanvas& c);
+bool SwitchBM(MapCanvas& c, bool baseMapSetUp);
 bool SwitchBreak(MapCanvas& c);
 bool DispGrid(MapCanvas& c);
+bool SwitchEle(MapCanvas& c);
+bool SwitchVertical(MapCanvas& c);  // 垂距開關
+bool SwitchSN(MapCanvas& c);
+// The state of the toggle with that Toolbar1 key, for its button; false for another key.
+bool ToggleState(const Display& display, const std::string& key, bool& on);
 
 // A new point or entity is drawn straight onto the picture.
 void DrawNewPoint(MapCanvas& c, std::size_t row);

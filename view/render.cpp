@@ -15,7 +15,6 @@ namespace tavik::view {
 namespace {
 
 constexpr ui::Rgb kHighlight = ui::MakeRgb(0, 0, 255);
-constexpr ui::Rgb kRubberBand = ui::MakeRgb(255, 255, 0);
 constexpr ui::Rgb kStation = ui::MakeRgb(255, 0, 0);
 // Room left around the paper for symbols and names that reach beyond their point.
 constexpr double kSymbolReach = 24, kNameReach = 300;
@@ -94,7 +93,7 @@ void DrawPointFeature(MapCanvas& c, std::size_t row, const Entity& e) {
     case 168:
       DrawElevation(c, e.X[0], e.Y[0], num::ParseLenient(e.Name), false);
       return;
-    case 99: case 110: case 112: case 113: case 114: case 130: case 131: case 141: case 199:
+    case 99: case 110: case 112: case 113: case 114: case 130: case 131: case 141: case 199: case 201:
       DrawLegendSymbol(c, row, e.Code, x, y, e.Name);
       if (c.display.ShowPointNames) DrawText(c, row, x + 6, y - 6, text::Trim(e.Name), false);
       return;
@@ -358,6 +357,32 @@ void DrawScaleBar(MapCanvas& c) {
   c.Text(x0 + length + 5, y0 - 7, ScaleBarLabel(scale), ScaleBarColour, 12);
 }
 
+void DrawPointHeights(MapCanvas& c) {
+  const Document& d = c.doc;
+  const bool vertical = c.display.VerticalOn && d.StationSet && std::isfinite(d.StationH);
+  for (const Point& p : d.PointTable) {
+    if (p.Deleted || p.H == NoHeight || !std::isfinite(p.H) || !InPaper(c.view, p.E, p.N)) continue;
+    double x, y;
+    c.ToPixel(p.E, p.N, x, y);
+    if (c.display.ElevationsOn) c.Text(x + 6, y - 5 - HeightTextSize, num::Format(p.H, "0.000"), HeightColour, HeightTextSize);
+    if (vertical) {
+      const double dh = p.H - d.StationH;
+      c.Text(x + 6, y + 8, (dh >= 0 ? "+" : "") + num::Format(dh, "0.000"), VerticalColour, HeightTextSize);
+    }
+  }
+}
+
+void DrawRunningNumbers(MapCanvas& c) {
+  for (const Point& p : c.doc.PointTable) {
+    if (p.Deleted || !InPaper(c.view, p.E, p.N)) continue;
+    double x, y;
+    c.ToPixel(p.E, p.N, x, y);
+    const std::string number = std::to_string(p.Number);
+    // To the left of the cross, clear of the name and the height on its right.
+    c.Text(x - 6 - 6.0 * static_cast<double>(number.size()), y - 5 - 10, number, RunningNumberColour, 10);
+  }
+}
+
 void RedrawAll(MapCanvas& c) {
   Document& d = c.doc;
   c.ui.StopLiveMarker();
@@ -371,34 +396,15 @@ void RedrawAll(MapCanvas& c) {
     const Point& p = d.PointTable[i];
     if (!p.Deleted) DrawPointMark(c, i, p.E, p.N, false);
   }
-  if (c.display.ElevationsOn && d.MapType == 1) {
-    c.SetPen(TextColourOf(c));
-    for (const Point& p : d.PointTable)
-      if (!p.Deleted && p.H != NoHeight && InPaper(c.view, p.E, p.N)) DrawElevation(c, p.E, p.N, p.H, false);
-  }
+  if (d.MapType == 1 && (c.display.ElevationsOn || c.display.VerticalOn)) DrawPointHeights(c);
   if (!d.StationName.empty() && d.StationSet) DrawStationMark(c, d.StationE, d.StationN, false);
   if (c.display.GridOn) DrawGrid(c);
-  if (c.display.CodesOn) {
-    for (const Entity& e : d.EntityTable) {
-      if (e.Deleted || !InPaper(c.view, e.X[0], e.Y[0])) continue;
-      double x, y;
-      c.ToPixel(e.X[0], e.Y[0], x, y);
-      c.Text(x + 4, y + 2, std::to_string(e.Code), ui::MakeRgb(0, 0, 160), 9);
-    }
-  }
+  if (c.display.CodesOn) DrawRunningNumbers(c);
   c.ui.SetLabel("Label41", std::to_string(d.PointCount));
   c.ui.SetStatusPanel(4, "測點 " + std::to_string(d.PointCount - d.DeletedPointCount));
   c.ui.SetStatusPanel(5, "圖元 " + std::to_string(d.EntityCount - d.DeletedEntityCount));
   DrawScaleBar(c);
   if (c.display.MatchingOverlay) c.display.MatchingOverlay();
-  if (c.display.LineInProgress && c.display.ChainCount > 0) {
-    double x, y;
-    c.ToPixel(c.display.ChainLastE, c.display.ChainLastN, x, y);
-    c.surface.SetDrawMode(ui::DrawMode::Invert);
-    c.SetPen(kRubberBand);
-    c.Line(x, y, c.display.PointerX, c.display.PointerY);
-    c.surface.SetDrawMode(ui::DrawMode::Copy);
-  }
 }
 
 }  // namespace tavik::view

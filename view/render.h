@@ -9,8 +9,10 @@
 
 namespace tavik::view {
 
-// The whole repaint, in its fixed order: entities, base map, point marks, elevations,
-// station, grid, codes, counts, scale bar, matching overlay, rubber band.
+// The whole repaint, in its fixed order: entities, base map, point marks, heights,
+// station, grid, running numbers, counts, scale bar, matching overlay. A rubber band
+// is never part of the picture: the window draws it over the picture, so that it
+// stays through every repaint.
 void RedrawAll(MapCanvas& c);
 
 // Every row of EntityTable, deleted and hidden ones skipped.
@@ -27,11 +29,23 @@ void DrawScaleBar(MapCanvas& c);
 void DrawText(MapCanvas& c, std::size_t row, double x, double y, const std::string& text, bool highlight);
 // A spot height: a dot and the height with two decimals.
 void DrawElevation(MapCanvas& c, double E, double N, double H, bool highlight);
+// With a topographic map (MapType 1): the height of every live survey point beside its
+// mark when SwitchEle is on, as the shot draws it, and with 垂距 on and a station set
+// its height above (+) or below (-) the station, under the mark.
+void DrawPointHeights(MapCanvas& c);
+// SwitchSN: the running number of every live survey point, left of its mark.
+void DrawRunningNumbers(MapCanvas& c);
 // The symbol of a point feature, or its name for the codes that print one.
 void DrawLegendSymbol(MapCanvas& c, std::size_t row, int code, double x, double y, const std::string& name);
 
 // The colour of the scale bar and of the grid.
 constexpr ui::Rgb ScaleBarColour = ui::MakeRgb(10, 18, 90);
+// Heights beside the marks: green as a new shot draws its height, the difference from
+// the station in purple, running numbers in dark blue.
+constexpr ui::Rgb HeightColour = ui::MakeRgb(0, 160, 0);
+constexpr ui::Rgb VerticalColour = ui::MakeRgb(160, 0, 160);
+constexpr ui::Rgb RunningNumberColour = ui::MakeRgb(0, 0, 160);
+constexpr int HeightTextSize = 12;
 // Grid spacing in metres, and the scale from which the grid is not drawn.
 constexpr double GridSpacing = 100;
 constexpr double GridScaleLimit = 15000;

@@ -26,6 +26,14 @@ class EditWindowTest : public QObject {
     (void)w;
     return QPoint(qRound(x - 1.5f * p.app.view.ViewWidthPixels), qRound(y - 1.5f * p.app.view.ViewHeightPixels));
   }
+  // True when the window shows the yellow of a rubber band within a pixel of q.
+  static bool YellowNear(QWidget* paper, QPoint q) {
+    const QImage shown = paper->grab().toImage();
+    for (int dx = -1; dx <= 1; ++dx)
+      for (int dy = -1; dy <= 1; ++dy)
+        if (shown.pixelColor(q + QPoint(dx, dy)) == QColor(255, 255, 0)) return true;
+    return false;
+  }
 
  private slots:
   void rectangleDrawnDeletedUndeletedSavedAndReopened() {
@@ -74,13 +82,17 @@ class EditWindowTest : public QObject {
     if (qEnvironmentVariableIsSet("TAVIK_SCREENSHOT")) img.save(qEnvironmentVariable("TAVIK_SCREENSHOT"));
 
     // A window drawn and cancelled leaves the picture exactly as it was: the rubber
-    // rectangle is drawn inverted and taken off the same way.
+    // rectangle is drawn in yellow over the picture, never into it, and stays there
+    // through a repaint.
     w.Toolbar2()->findChild<QAction*>("EraseWindow")->trigger();
     dialogs.answers = {tavik::ui::Answer::Cancel};
     const QPoint a = At(p, w, cE - 6, cN - 5), b = At(p, w, cE + 1, cN + 1);
     QTest::mousePress(paper, Qt::LeftButton, Qt::NoModifier, a);
     QTest::mouseMove(paper, (a + b) / 2);
-    QVERIFY(paper->Surface().Image() != img);
+    QVERIFY(paper->Surface().Image() == img);
+    QVERIFY(YellowNear(paper, a));
+    p.frm.RedrawPaper();
+    QVERIFY(YellowNear(paper, a));
     QTest::mouseMove(paper, b);
     QTest::mouseRelease(paper, Qt::LeftButton, Qt::NoModifier, b);
     QCOMPARE(dialogs.shown.back().title, std::string("刪除窗選資料"));
@@ -127,6 +139,8 @@ class EditWindowTest : public QObject {
     tool("Line");
     for (int k = 0; k < 4; ++k) click(k);
     QTest::mouseMove(paper, At(p, w, cE - 4, cN));
+    QTest::keyClick(paper, Qt::Key_R);  // a repaint keeps the band from the last vertex
+    QVERIFY(YellowNear(paper, At(p, w, cE - 6, cN + 1.5)));
     QTest::keyClick(paper, Qt::Key_C);  // closes the chain
     QCOMPARE(p.app.doc.EntityCount, 4);
     QCOMPARE(w.Editor().Ptr.LineInProgress, tavik::kFalse);

@@ -59,9 +59,11 @@ TEST(FormatAreaLabel, CentredOnThePointInPixels) {
   EXPECT_EQ("0.30坪", op.text);
   EXPECT_FLOAT_EQ(325 - 5 * 7 / 2.0, op.v[0]);  // five characters
   EXPECT_FLOAT_EQ(325 - 9, op.v[1]);
-  // Flag 0 wipes the label in another colour at the same place.
+  // The flag is the highlight: -1 blue, 0 the black of ordinary text (never the white
+  // of the paper).
+  EXPECT_EQ(ui::MakeRgb(0, 0, 255), op.colour);
   FormatAreaLabel(paper, v, 100, AreaUnitPing, 1010, 1990, 1, 0);
-  EXPECT_NE(op.colour, paper.ops.back().colour);
+  EXPECT_EQ(ui::MakeRgb(0, 0, 0), paper.ops.back().colour);
 }
 
 }  // namespace

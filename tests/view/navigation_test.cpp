@@ -42,6 +42,25 @@ TEST(ViewCommands, EachPushesTheViewAndRunsTheTail) {
   }
 }
 
+TEST(ViewCommands, WheelZoomKeepsTheGroundUnderThePointer) {
+  for (bool in : {true, false}) {
+    NavFixture f;
+    const float x = 1200 + 100, y = 900 + 500;  // a pixel of the viewport, off its centre
+    double E0, N0, E1, N1;
+    PaperToWorld(f.doc, f.view, x, y, E0, N0);
+    ASSERT_TRUE(ZoomAbout(f.canvas, in, x, y));
+    EXPECT_NEAR(f.doc.ScaleDenominator, in ? 375 : 500 / 0.75, 1e-9);
+    PaperToWorld(f.doc, f.view, x, y, E1, N1);
+    EXPECT_NEAR(E1, E0, 1e-9);
+    EXPECT_NEAR(N1, N0, 1e-9);
+    EXPECT_TRUE(f.view.ViewHistoryCount == 1 && f.rebuilds == 1 && f.headers == 1 && f.surface.Count("clear") == 1);
+  }
+  NavFixture one;
+  one.doc.ScaleDenominator = 1;
+  EXPECT_FALSE(ZoomAbout(one.canvas, true, 0, 0));
+  EXPECT_EQ(one.view.ViewHistoryCount, 0);
+}
+
 TEST(ViewCommands, ZoomInAtScaleOneDoesNothing) {
   NavFixture f;
   f.doc.ScaleDenominator = 1.2;

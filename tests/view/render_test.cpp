@@ -59,7 +59,7 @@ TEST(RedrawAll, PointFeaturesByCode) {
       {13, "", 12.345, {"12.35"}, false},   {168, "45.6", 0, {"45.60"}, false}, {99, " P7 ", 0, {"P7"}, false},
       {110, "T12", 0, {"T12"}, true},       {266, "EP 3.5ha", 0, {"3.5ha"}, false}, {267, "XX12", 0, {}, false},
       {266, "E", 0, {}, false},             {301, "RC3", 0, {"RC3"}, false},       {351, "", 0, {"B"}, true},
-      {12, "note", 0, {"note"}, false},
+      {12, "note", 0, {"note"}, false},      {201, " A1 ", 0, {"A1"}, false},
       {500, "x", 0, {}, false},  // a code with no symbol draws nothing
   };
   for (const Case& c : cases) {
@@ -355,18 +355,80 @@ TEST(Symbols, BusStopIsARingAndOneCharacter) {
   EXPECT_EQ(texts[0].v[1], 395);
 }
 
-TEST(BaseMap, DrawnOnlyWhenSwitchedOn) {
+TEST(BaseMap, DrawnOnlyWhenSwitchedOnAndSetUp) {
   CanvasFixture f;
+  EXPECT_FALSE(SwitchBM(f.canvas, true));
+  EXPECT_EQ(f.dialogs.Messages(), std::vector<std::string>{"這張圖中沒有底圖"});
   BaseMapLine b, note;
   b.Kind = KindLine, b.X[0] = 990, b.Y[0] = 2000, b.X[1] = 1010, b.Y[1] = 2000;
   note.Kind = KindPoint, note.Code = 12, note.X[0] = 1000, note.Y[0] = 2000, note.Name = "BM";
   f.doc.BaseMapTable = {b, note};
   f.doc.BaseMapCount = 2;
+  EXPECT_FALSE(SwitchBM(f.canvas, false));
+  EXPECT_EQ(f.dialogs.Messages().back(), "底圖要顯示前,請先設定底圖");
+  EXPECT_TRUE(f.surface.ops.empty());
   RedrawAll(f.canvas);
   EXPECT_FALSE(Has(f.Texts(), "BM"));
-  EXPECT_TRUE(SwitchBM(f.canvas));
+  EXPECT_TRUE(SwitchBM(f.canvas, true));
   EXPECT_TRUE(Has(f.Texts(), "BM"));
   EXPECT_EQ(f.CountColour("line", f.display.BaseMapLineColour), 1u);
+  EXPECT_EQ(f.dialogs.Messages().size(), 2u);
+}
+
+TEST(Toggles, HeightsDifferencesAndNumbersOutliveTheRepaint) {
+  // Three points of a topographic map, one without a height, and a station at H 10.
+  auto fixture = [](int16_t mapType) {
+    auto f = std::make_unique<CanvasFixture>();
+    f->doc.MapType = mapType;
+    f->doc.PointTable = {{7, 1000, 2000, 12.345, kFalse}, {8, 1010, 2000, 7.5, kFalse}, {9, 990, 2000, NoHeight, kFalse}};
+    f->doc.StationSet = kTrue, f->doc.StationH = 10;
+    return f;
+  };
+  struct Case {
+    const char* key;
+    bool (*toggle)(MapCanvas&);
+    int16_t mapType;
+    std::vector<std::string> texts;
+    ui::Rgb colour;
+  } cases[] = {
+      {"SwitchEle", SwitchEle, 1, {"12.345", "7.500"}, HeightColour},
+      {"SwitchEle", SwitchEle, 2, {}, HeightColour},  // a plan keeps no heights
+      {"垂距開關", SwitchVertical, 1, {"+2.345", "-2.500"}, VerticalColour},
+      {"SwitchSN", SwitchSN, 2, {"7", "8", "9"}, RunningNumberColour},
+  };
+  for (const Case& c : cases) {
+    auto f = fixture(c.mapType);
+    bool on = true;
+    ASSERT_TRUE(ToggleState(f->display, c.key, on) && !on) << c.key;
+    EXPECT_TRUE(c.toggle(f->canvas)) << c.key;
+    ASSERT_TRUE(ToggleState(f->display, c.key, on) && on) << c.key;
+    auto shown = [&] {
+      std::vector<std::string> t;
+      for (const auto& o : f->Ops("text"))
+        if (o.colour == c.colour) t.push_back(o.text);
+      return t;
+    };
+    for (int repaint = 0; repaint < 2; ++repaint) {
+      EXPECT_EQ(shown(), c.texts) << c.key << " " << repaint;
+      f->surface.ops.clear();
+      RedrawAll(f->canvas);
+    }
+    f->surface.ops.clear();
+    EXPECT_FALSE(c.toggle(f->canvas)) << c.key;
+    EXPECT_TRUE(shown().empty()) << c.key;
+  }
+  // The height stands where a new shot draws it, six pixels right of the mark and five up.
+  auto f = fixture(1);
+  SwitchEle(f->canvas);
+  EXPECT_TRUE(f->ui.pressed[ButtonElevations]);
+  const auto p = f->Px(1000, 2000);
+  EXPECT_NEAR(f->Ops("text")[0].v[0], p.first + 6, 1e-3);
+  EXPECT_NEAR(f->Ops("text")[0].v[1], p.second - 5 - HeightTextSize, 1e-3);
+  // Without a station there is no difference to show.
+  f->doc.StationSet = kFalse;
+  SwitchEle(f->canvas);
+  SwitchVertical(f->canvas);
+  EXPECT_EQ(f->CountColour("text", VerticalColour), 0u);
 }
 
 }  // namespace

@@ -110,8 +110,17 @@ TEST(FitWholeExtent, CoversLiveDataOnly) {
   EXPECT_EQ(std::vector<double>({f.doc.MinE, f.doc.MaxE, f.doc.MinN, f.doc.MaxN}), std::vector<double>({90, 300, 190, 260}));
   EXPECT_EQ(f.doc.ViewCentreE, 195);
   EXPECT_EQ(f.doc.ViewCentreN, 225);
-  for (double E : {90.0, 300.0})
-    for (double N : {190.0, 260.0}) EXPECT_TRUE(InScreen(f.view, E, N)) << E << "," << N;
+  // The outermost corners keep a margin from the edges of the 800 x 600 view, on the
+  // tighter axis exactly, so that marks and names beside them are not cut.
+  EXPECT_EQ(WholeExtentMargin(800), 80);
+  EXPECT_EQ(WholeExtentMargin(600), 60);
+  EXPECT_EQ(WholeExtentMargin(100), 25);
+  float left, top, right, bottom;
+  WorldToPaper(f.doc, f.view, 90, 260, left, top);
+  WorldToPaper(f.doc, f.view, 300, 190, right, bottom);
+  left -= 1200, right -= 1200, top -= 900, bottom -= 900;  // the viewport starts 1.5 views in
+  EXPECT_TRUE(left >= 79.99 && right <= 720.01 && top >= 59.99 && bottom <= 540.01) << left << " " << right;
+  EXPECT_TRUE(std::fabs(left - 80) < 1e-3 || std::fabs(top - 60) < 1e-3);
   // A single point: scale 1 about it, and the paper stands as the extent.
   Fixture one(500, 0, 0);
   one.doc.PointTable.push_back({1, 280123.4, 2750000.5, 12, kFalse});

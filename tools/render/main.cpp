@@ -4,6 +4,8 @@
 // (a collinear arc, say) go to standard error. Exit 0 done, 1 unusable input, 2 usage.
 #include <QGuiApplication>
 #include <QImage>
+#include <stdlib.h>
+
 #include <cctype>
 #include <cstdio>
 #include <filesystem>
@@ -23,6 +25,31 @@ int Usage() {
   std::fprintf(stderr, "usage: tavik-render FILE.SPC OUT.png [--size WxH] [--scale N] [--centre E,N]\n");
   return 2;
 }
+
+// The toolkit looks into the user's runtime folder as it starts, and without one (a
+// batch job, a shell with no desktop session) it warns and makes one of its own under
+// the temporary folder that outlives the run. Given none, the renderer lends it a
+// private empty folder for the run and removes it afterwards.
+class RuntimeFolder {
+ public:
+  RuntimeFolder() {
+    if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) return;
+    std::string pattern = (std::filesystem::temp_directory_path() / "tavik-render-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr) return;
+    path_ = pattern;
+    qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(path_));
+  }
+  ~RuntimeFolder() {
+    if (path_.empty()) return;
+    std::error_code ec;
+    std::filesystem::remove_all(path_, ec);
+  }
+  RuntimeFolder(const RuntimeFolder&) = delete;
+  RuntimeFolder& operator=(const RuntimeFolder&) = delete;
+
+ private:
+  std::string path_;
+};
 
 }  // namespace
 
@@ -56,6 +83,7 @@ int main(int argc, char** argv) {
 
   // Text needs a font database: the offscreen platform gives one without a display.
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  RuntimeFolder runtime;
   int qargc = 1;
   QGuiApplication app(qargc, argv);
 
