@@ -38,9 +38,20 @@ FitDialog::FitDialog(tavik::SurveyContext& ctx, QWidget* parent) : QDialog(paren
   label10_->setObjectName("Label10");
   label13_ = new QLabel(this);
   label13_->setObjectName("Label13");
+  // 框選 beside each combo: a rectangle on the map chooses that point.
+  auto* pick1 = new QPushButton("框選", this);
+  pick1->setObjectName("Command1");
+  auto* pick2 = new QPushButton("框選", this);
+  pick2->setObjectName("Command2");
+  auto withPick = [this](QComboBox* combo, QPushButton* pick) {
+    auto* line = new QHBoxLayout;
+    line->addWidget(combo, 1);
+    line->addWidget(pick);
+    return line;
+  };
   auto* form = new QFormLayout;
-  form->addRow("測站", combo1_);
-  form->addRow("後視", combo2_);
+  form->addRow("測站", withPick(combo1_, pick1));
+  form->addRow("後視", withPick(combo2_, pick2));
   form->addRow("兩點距離", label9_);
   if (logic_.HeightsShown()) {
     form->addRow("儀器高", text4_);
@@ -68,14 +79,11 @@ FitDialog::FitDialog(tavik::SurveyContext& ctx, QWidget* parent) : QDialog(paren
   command3_->setEnabled(logic_.MeasureButtonsEnabled());
   command4_->setEnabled(logic_.MeasureButtonsEnabled());
   command5_->setVisible(logic_.Command5Visible());
-  auto* pick1 = new QPushButton("框選測站", this);
-  pick1->setObjectName("Command1");
-  auto* pick2 = new QPushButton("框選後視", this);
-  pick2->setObjectName("Command2");
   connect(pick1, &QPushButton::clicked, this, [this] { if (StartPick) StartPick("FIT"); });
   connect(pick2, &QPushButton::clicked, this, [this] { if (StartPick) StartPick("FIT2"); });
   auto* row = new QHBoxLayout;
-  for (QPushButton* b : {pick1, pick2, command3_, command4_, command5_, command6_, ok, cancel}) {
+  for (QPushButton* b : {pick1, pick2}) b->setAutoDefault(false);
+  for (QPushButton* b : {command3_, command4_, command5_, command6_, ok, cancel}) {
     b->setAutoDefault(false);
     row->addWidget(b);
   }

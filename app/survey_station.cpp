@@ -59,6 +59,7 @@ void SurveyStation::Wire(tavik::TotalStationLink& link) {
     tavik::ui::SerialPort* p = c == tavik::Channel::Set ? link.MSComm_SET : link.MSComm_TOP;
     if (p != nullptr && p->PortOpen()) p->Close();
   };
+  l.Label29 = [&link] { return link.picture.Label29; };
   l.AppendOBSBox = [&link](const std::string& text, bool red) { link.AppendToOBSBox(text, red); };
   l.StartTimer10 = [this](int ms) {
     if (StartTimer10) StartTimer10(ms);

@@ -38,17 +38,40 @@ UserDialog::UserDialog(tavik::SurveyContext& ctx, QWidget* parent) : QDialog(par
   check2_ = new QCheckBox("強制符合後視高程", this);
   check2_->setObjectName("Check2");
   const bool heights = logic_.HeightsShown();
+  // Command4: the two help buttons, beside the azimuth and beside the forced height.
+  auto* helpAzimuth = new QPushButton("?", this);
+  helpAzimuth->setObjectName("Command4(1)");
+  auto* helpHeight = new QPushButton("?", this);
+  helpHeight->setObjectName("Command4(0)");
+  for (QPushButton* b : {helpAzimuth, helpHeight}) {
+    b->setAutoDefault(false);
+    b->setFixedWidth(b->fontMetrics().horizontalAdvance("?") * 3);
+  }
+  connect(helpAzimuth, &QPushButton::clicked, this, [this] {
+    QMessageBox::information(this, windowTitle(),
+                             QString("%1\n%2").arg(Q(tavik::UserDialogLogic::HelpAzimuth),
+                                                   Q(tavik::UserDialogLogic::HelpAzimuthWhen)));
+  });
+  connect(helpHeight, &QPushButton::clicked, this, [this] {
+    QMessageBox::information(this, windowTitle(), Q(tavik::UserDialogLogic::HelpForceHeight));
+  });
+  auto withHelp = [this](QWidget* field, QPushButton* help) {
+    auto* line = new QHBoxLayout;
+    line->addWidget(field, 1);
+    line->addWidget(help);
+    return line;
+  };
   auto* form = new QFormLayout;
   form->addRow("測站點名", text5_);
   form->addRow("測站 E", xbox_);
   form->addRow("測站 N", ybox_);
   if (heights) form->addRow("測站 H", zbox_);
   form->addRow("後視點名", text6_);
-  form->addRow("後視方位角(度)", text4_);
+  form->addRow("後視方位角(度)", withHelp(text4_, helpAzimuth));
   if (heights) {
     form->addRow("儀器高", text7_);
     form->addRow("覘標高", text8_);
-    form->addRow(check2_);
+    form->addRow(withHelp(check2_, helpHeight));
   }
   form->addRow("後視 E", bsx_);
   form->addRow("後視 N", bsy_);
@@ -58,6 +81,7 @@ UserDialog::UserDialog(tavik::SurveyContext& ctx, QWidget* parent) : QDialog(par
   text8_->setVisible(heights);
   bsz_->setVisible(heights);
   check2_->setVisible(heights);
+  helpHeight->setVisible(heights);
 
   measure_ = new QPushButton(Q(logic_.MeasureCaption()), this);
   measure_->setObjectName("Measure");
@@ -119,8 +143,6 @@ UserDialog::UserDialog(tavik::SurveyContext& ctx, QWidget* parent) : QDialog(par
     Push();
   });
   connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-  text4_->setToolTip(QString("%1\n%2").arg(Q(tavik::UserDialogLogic::HelpAzimuth),
-                                            Q(tavik::UserDialogLogic::HelpAzimuthWhen)));
   Push();
 }
 

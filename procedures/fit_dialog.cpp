@@ -22,7 +22,7 @@ FitDialogLogic::FitDialogLogic(SurveyContext& ctx) : ctx_(ctx) {
   Combo1 = ControlPointNames(doc);
   Combo2 = Combo1;
   Text4 = num::Plain(doc.InstrumentHeight);
-  Text3 = doc.TargetHeight == NoTargetHeight ? "0" : num::Plain(doc.TargetHeight);
+  Text3 = num::Plain(doc.TargetHeight);
   saved_.set = doc.StationSet != kFalse;
   saved_.StationSet = doc.StationSet;
   saved_.StationName = doc.StationName;
@@ -192,7 +192,7 @@ void FitDialogLogic::AngleReceiver() {
   double oc = doc.BacksightAzimuth - ctx_.inst.ObsHz;
   if (oc < 0) oc += TwoPi;
   doc.OrientationConstant = oc;
-  Text5 = RawAngleText(ctx_.inst.ObsHzRaw);
+  Text5 = ctx_.link.Label29 ? ctx_.link.Label29() : RawAngleText(ctx_.inst.ObsHzRaw);
   Text5Red = false;
   haveObservation_ = true;
 }
@@ -207,9 +207,10 @@ void FitDialogLogic::Command6() {
     ctx_.dialogs.MsgBox("10度20分30秒,請輸入102030", "手輸入角度");
     return;
   }
+  // The typed reading stands in ObsHz only: the raw values stay those of the last
+  // answer, and the Backsight record carries them.
   InstrumentState& inst = ctx_.inst;
   inst.ObsHz = PackedToRadians(*packed);
-  inst.ObsHzRaw = num::CLng(*packed);
   inst.ObsV = 0;
   AngleReceiver();
   Text5 = text::Trim(*answer);
@@ -237,7 +238,8 @@ bool FitDialogLogic::OKButton() {
     if (const auto ih = num::ParseStrict(Text4)) doc.InstrumentHeight = *ih;
     if (const auto th = num::ParseStrict(Text3)) doc.TargetHeight = *th;
   }
-  WriteSetupRecords(ctx_, doc.BacksightName, doc.BacksightE, doc.BacksightN, ctx_.survey.BacksightH);
+  WriteSetupRecords(ctx_, doc.BacksightName, doc.BacksightE, doc.BacksightN, ctx_.survey.BacksightH,
+                    MacStation::Always);
   doc.StationSet = kTrue;
   doc.MapChanged = kTrue;
   ctx_.window.SafetySave();

@@ -197,7 +197,7 @@ void AddSurveyPoint(SurveyContext& ctx, int kind, bool drawMark, double E, doubl
 }
 
 void WriteSetupRecords(SurveyContext& ctx, const std::string& backsightName, double backsightE,
-                       double backsightN, double backsightH) {
+                       double backsightN, double backsightH, MacStation mac) {
   const Document& doc = ctx.doc;
   const InstrumentState& inst = ctx.inst;
   obslog::AppendLine(doc.ObsPath, obslog::SetupMarkLine(LogNow(ctx)));
@@ -205,7 +205,7 @@ void WriteSetupRecords(SurveyContext& ctx, const std::string& backsightName, dou
                                                       doc.InstrumentHeight));
   obslog::AppendLine(doc.ObsPath, obslog::BacksightLine(backsightName, backsightE, backsightN, backsightH,
                                                         inst.ObsHzRaw, inst.ObsVRaw, inst.ObsSlope));
-  if (inst.MeasureMode == "TS")
+  if (mac == MacStation::Always || inst.MeasureMode == "TS")
     obslog::AppendLine(doc.MacPath, obslog::MacStationLine(doc.StationName, backsightName));
 }
 

@@ -22,9 +22,11 @@ void AddSurveyPoint(SurveyContext& ctx, int kind, bool drawMark, double E, doubl
 bool FollowPoint(SurveyContext& ctx, double E, double N, double factor);
 
 // The .OBS set-up group (mark, station, backsight) and the .MAC station line, as both
-// set-up dialogs write them.
+// set-up dialogs write them. UserDialog starts a cadastral book only in total-station
+// mode; FitDialog sets up on known points, whose book line is written always.
+enum class MacStation { InTsMode, Always };
 void WriteSetupRecords(SurveyContext& ctx, const std::string& backsightName, double backsightE,
-                       double backsightN, double backsightH);
+                       double backsightN, double backsightH, MacStation mac = MacStation::InTsMode);
 
 // The present time for the logs.
 std::string LogNow(const SurveyContext& ctx);

@@ -41,6 +41,8 @@ struct SurveyContext {
     std::function<void(int milliseconds)> StartTimer10;
     // The main window's autosave timer, stopped while a Trimble streams.
     std::function<void(bool enabled)> EnableTimer5;
+    // The horizontal reading as the link's label Label29 shows it.
+    std::function<std::string()> Label29;
     // Adds text to what OBSBox shows, in red when `red` (else black).
     std::function<void(const std::string& text, bool red)> AppendOBSBox;
   } link;

@@ -80,6 +80,10 @@ void UserDialogLogic::AzimuthEntered() {
   targetHeight_ = num::ParseLenient(Text8);
   azimuth_ = num::ParseLenient(Text4) / RadToDeg;
 
+  // The computation starts from the reading kept when the answer arrived, not from
+  // ObsHz: a first pass has already turned ObsHz into an azimuth, and starting again
+  // from it would count the orientation twice. So an azimuth changed after the shot
+  // gives the constant the surveyor means: the new azimuth minus the circle reading.
   orientation_ = azimuth_ - hz_;
   if (orientation_ < 0) orientation_ += TwoPi;
   double hz = orientation_ + hz_;

@@ -90,6 +90,30 @@ TEST_F(Setup, UserDialogThenShots) {
   EXPECT_EQ(Lines(".OBS").size(), 3u + 4);
 }
 
+// A plan map needs no heights (an instrument height of 0 passes); the azimuth typed
+// after the shot, here emptied to 0, sets the orientation from the circle reading.
+TEST_F(Setup, UserDialogPlanMapWithTheAzimuthClearedAfterTheShot) {
+  doc.MapType = 2;
+  UserDialogLogic dlg(ctx);
+  EXPECT_FALSE(dlg.HeightsShown());
+  dlg.Xbox = "1000";
+  dlg.Ybox = "2000";
+  dlg.Text4 = "90";
+  dlg.Measure();
+  ASSERT_EQ(link.shots, 1);
+  Deliver(1100, 2000, 52, 1.3);
+  const double reading = inst.ObsHz;
+  dlg.MeasurementReceiver();
+  dlg.Text4 = "";
+  dlg.AzimuthEntered();
+  EXPECT_EQ(dlg.LabelBsx, "1000.000");
+  EXPECT_EQ(dlg.LabelBsy, "2100.000");
+  ASSERT_TRUE(dlg.OKButton());
+  EXPECT_NEAR(doc.OrientationConstant, 2 * Pi - reading, 1e-12);
+  EXPECT_EQ(doc.StationH, 0);
+  EXPECT_EQ(doc.PointTable[1].H, 0);
+}
+
 TEST_F(Setup, UserDialogForcedBacksightHeightAndAzimuthChangedAfterTheShot) {
   UserDialogLogic dlg(ctx);
   dlg.Text7 = "1.5";
@@ -182,7 +206,13 @@ TEST_F(Fit, DistanceShotThenSurvey) {
 
 TEST_F(Fit, TypedReadingAndTheGtsAcknowledge) {
   inst.InstrumentKind = "GTS22X";
+  inst.MeasureMode = "GPS";  // the book's station line is written whatever the mode
+  doc.TargetHeight = NoTargetHeight;
+  inst.ObsHzRaw = 1234512;  // from an earlier answer
+  inst.ObsVRaw = 901530;
+  inst.ObsSlope = 12.5;
   FitDialogLogic dlg(ctx);
+  EXPECT_EQ(dlg.Text3, "-99");
   EXPECT_TRUE(dlg.Command5Visible());
   dlg.ChooseStation("K1");
   dlg.ChooseBacksight("K2");
@@ -195,6 +225,19 @@ TEST_F(Fit, TypedReadingAndTheGtsAcknowledge) {
   ASSERT_TRUE(dlg.OKButton());
   EXPECT_NEAR(doc.OrientationConstant, DegreesToRadians(90 - 333.6 + 360), 1e-4);
   EXPECT_EQ(link.top, std::string("Z32091\x03\r\n", 9));
+  EXPECT_EQ(File(".MAC"), "K1 K2\r\n");
+  // The typed reading changes no raw value: the record keeps the last answer's.
+  EXPECT_EQ(Lines(".OBS").back(), "K2,1100.000,2000.000,52.000, 1234512 , 901530 ,12.500");
+}
+
+TEST_F(Fit, AngleReadShowsTheLinksReadingText) {
+  FitDialogLogic dlg(ctx);
+  dlg.ChooseStation("K1");
+  dlg.ChooseBacksight("K2");
+  ctx.link.Label29 = [] { return std::string("123-45-12.3"); };  // a Trimble 3600 reading
+  inst.ObsHz = DegreesToRadians(123.75);
+  dlg.AngleReceiver();
+  EXPECT_EQ(dlg.Text5, "123-45-12.3");
 }
 
 TEST_F(Fit, CancelRestoresTheFormerSetup) {
