@@ -19,16 +19,14 @@ std::string F3(double v) { return num::Format(v, "0.000"); }
 bool AskTargetHeight(SurveyContext& ctx) {
   const std::string prompt =
       "(若不要高程,請輸入X)\r\n(若放棄本點,請按ESC或 [取消])\r\n輸入覘標高:";
-  const std::string current =
-      ctx.doc.TargetHeight == NoTargetHeight ? "X" : num::Plain(ctx.doc.TargetHeight);
-  const std::optional<std::string> answer = ctx.dialogs.InputBox(prompt, "輸入覘標高", current);
-  if (!answer) return false;
-  const std::string t = text::Trim(*answer);
-  if (t.empty()) return false;
-  if (t == "X" || t == "x") {
+  const std::optional<std::string> answer =
+      ctx.dialogs.InputBox(prompt, "輸入覘標高", num::Plain(ctx.doc.TargetHeight));
+  if (!answer || answer->empty()) return false;
+  // Only "X" or "x" as typed means no height; anything else must be a number.
+  if (*answer == "X" || *answer == "x") {
     ctx.doc.TargetHeight = NoTargetHeight;
   } else {
-    const std::optional<double> v = num::ParseStrict(t);
+    const std::optional<double> v = num::ParseStrict(*answer);
     if (!v) return false;
     ctx.doc.TargetHeight = *v;
   }
@@ -101,7 +99,7 @@ void ReducePoint(SurveyContext& ctx) {
     s.LastH = doc.TargetHeight == NoTargetHeight
                   ? NoHeight
                   : doc.InstrumentHeight + doc.StationH + inst.ObsSlope * std::sin(inst.ObsV) - doc.TargetHeight;
-    if (s.LastH != NoHeight) ctx.window.DrawHeightText(s.LastE, s.LastN, F3(s.LastH));
+    ctx.window.DrawHeightText(s.LastE, s.LastN, F3(s.LastH));
   } else {
     s.LastH = 0;
   }
@@ -193,6 +191,7 @@ void AddSurveyPoint(SurveyContext& ctx, int kind, bool drawMark, double E, doubl
   doc.MapChanged = kTrue;
   ctx.window.SafetySave();
   s.PointAdded = kTrue;
+  s.CurrentLegendActive = kFalse;
   ShowPointCounts(ctx);
 }
 

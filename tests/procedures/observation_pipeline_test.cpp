@@ -65,19 +65,24 @@ TEST_F(Pipeline, TargetHeightAnswers) {
     double H;
   } cases[] = {
       {"x", true, NoHeight}, {"X", true, NoHeight}, {std::nullopt, false, 0}, {"", false, 0},
-      {"1.2.3", false, 0},   {"abc", false, 0},     {"2", true, 50.25},
+      {" x ", false, 0},     {"1.2.3", false, 0},   {"abc", false, 0},       {"2", true, 50.25},
   };
   for (const auto& c : cases) {
     const int32_t before = doc.PointCount;
+    window.calls.clear();
     dialogs.inputs.push_back(c.answer);
     Deliver(1010, 2010, 52.25, 0);  // zero target height: H difference 2.25 - 1.5 from the instrument
     ReducePoint(ctx);
     EXPECT_EQ(doc.PointCount - before, c.stored ? 1 : 0) << c.answer.value_or("<cancel>");
     if (c.stored) {
       EXPECT_NEAR(doc.PointTable.back().H, c.H, 1e-9) << *c.answer;
+      // The height is written beside the point, the no-height mark too.
+      EXPECT_EQ(window.calls[0], c.H == NoHeight ? "height -9999.000" : "height 50.250");
     }
   }
   EXPECT_EQ(doc.TargetHeight, 2);
+  // After "x" the prompt offers the present target height, -99, as it stands.
+  EXPECT_EQ(dialogs.inputDefaults[2], "-99");
 }
 
 TEST_F(Pipeline, PlanMapNeverPromptsAndNoDistanceIsRefused) {
@@ -125,7 +130,9 @@ TEST_F(Pipeline, CadastralShotWritesMacAndNamedEntity) {
 TEST_F(Pipeline, GuardKeepsOneObservationFromBeingStoredTwice) {
   doc.MapType = 2;
   Deliver(1040, 2030, 50, 0);
+  survey.CurrentLegendActive = kTrue;
   ReducePoint(ctx);
+  EXPECT_EQ(survey.CurrentLegendActive, kFalse);  // a stored point uses the legend up
   AddSurveyPoint(ctx, 1, true, survey.LastE, survey.LastN, survey.LastH);
   EXPECT_EQ(doc.PointCount, 1);
   EXPECT_EQ(Lines(".OBS").size(), 1u);
