@@ -51,6 +51,9 @@ class MainFrm : public QMainWindow, public tavik::FrameWindow, public tavik::vie
   void SetToolbarToolTip(int index, const std::string& text) override;
   void PlacePaper(float left, float top) override;
   void SetScrollBars(int h, int v) override;
+  void StopLiveMarker() override {
+    if (handlers.StopLiveMarker) handlers.StopLiveMarker();
+  }
 
   // Combo1 and Combo2 of the fine-move toolbar: the shift and rotation steps that the
   // whole-map transforms use, remembered in Software.ini by their text.
@@ -88,6 +91,7 @@ class MainFrm : public QMainWindow, public tavik::FrameWindow, public tavik::vie
     std::function<void(int)> HScroll, VScroll;        // the user moved HScroll1 or VScroll1
     std::function<void()> ScrollDone;                 // ... and let go of it
     std::function<void()> ShowCounts;                 // the scale and the live counts
+    std::function<void()> StopLiveMarker;             // the blinking mark of the last point
 
   } handlers;
 

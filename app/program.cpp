@@ -2,8 +2,10 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QAction>
 #include <QFile>
 
+#include "app/edit_wiring.h"
 #include "app/gpsinitdlg.h"
 #include "app/survey_panel.h"
 #include "app/survey_station.h"
@@ -26,9 +28,10 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
     tavik::RebuildScreenPoints(doc, view);
     tavik::RebuildScreenEntities(doc, view);
   };
-  cycle.hooks.CollectSettings = [this](tavik::SoftwareIni& ini) {
-    ini.FineShiftStep = frm.Combo1()->currentText().toStdString();
-    ini.FineRotationStep = frm.Combo2()->currentText().toStdString();
+  cycle.hooks.PlaceScrollBars = [this](tavik::Document& doc, tavik::View& view) {
+    int h = 0, v = 0;
+    tavik::view::ScrollValues(doc, view, h, v);
+    frm.SetScrollBars(h, v);
   };
   cycle.hooks.CommandRunning = [] { return QApplication::activeModalWidget() != nullptr; };
   cycle.hooks.LoadOldDocument = [](tavik::Document& doc, tavik::View& view, tavik::ui::Dialogs& d) {
@@ -70,6 +73,17 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
     survey->panel()->SetEnabled("RecButton", recButton);
   };
   survey->MakePort = [this] { return std::make_unique<tavik::ui::QtSerialPort>(&store); };
+
+  // Save, Close, Exit and every full repaint stop the blinking mark of the last point;
+  // Close and Exit let go of the instrument's ports, which the next request opens again.
+  // No part of the program logs raw base-station data yet, so StopBaseLogging stays
+  // unset until the RTK base comes.
+  cycle.hooks.StopLiveMarker = [this] { survey->panel()->StopBlink(); };
+  frm.handlers.StopLiveMarker = cycle.hooks.StopLiveMarker;
+  cycle.hooks.CloseSensorPorts = [this] {
+    instruments.MSComm_SET.Close();
+    instruments.MSComm_TOP.Close();
+  };
 }
 
 Program::~Program() = default;
@@ -83,9 +97,74 @@ void Program::OpenDemo(const std::string& scenePath) {
   if (!app.doc.IsOpen() && tavik::WriteDemoDocument(scene, path, dialogs)) cycle.OpenFile(path);
 }
 
-void Program::Start() {
-  cycle.Startup();
-  frm.SelectFineSteps(app.ini.FineShiftStep, app.ini.FineRotationStep);
+void Program::LinkSettings() {
+  using tavik::SoftwareIni;
+  tavik::SettingsLinks& s = app.settings;
+  tavik::InstrumentState& inst = instruments.inst;
+  s.Link(&SoftwareIni::MeasureMode, inst.MeasureMode);
+  s.Link(&SoftwareIni::InstrumentKind, inst.InstrumentKind);
+  s.Link(&SoftwareIni::InstrumentSerial, inst.InstrumentSerial);
+  s.Link(&SoftwareIni::PortNumber, inst.PortNumber);
+  s.Link(&SoftwareIni::BaudRate, inst.BaudRate);
+  // The instrument frame shows the restored choice at once.
+  s.Link(
+      [this](const SoftwareIni& ini) {
+        instruments.ShowInstrumentLabels(ini.InstrumentKind, ini.InstrumentSerial);
+        instruments.ShowRobotPanel(tavik::KindHasRobotPanel(ini.InstrumentKind));
+      },
+      [](SoftwareIni&) {});
   // The stored pair: only TWD97 loads its own constants (see LoadStoredDatum).
-  tavik::LoadStoredDatum(gpsDatum, app.ini.GpsDatum, app.ini.CentralMeridian);
+  s.Link([this](const SoftwareIni& ini) { tavik::LoadStoredDatum(gpsDatum, ini.GpsDatum, ini.CentralMeridian); },
+         [this](SoftwareIni& ini) {
+           ini.GpsDatum = gpsDatum.GpsDatum;
+           ini.CentralMeridian = gpsDatum.CentralMeridian;
+         });
+  s.Link([this](const SoftwareIni& ini) { frm.SelectFineSteps(ini.FineShiftStep, ini.FineRotationStep); },
+         [this](SoftwareIni& ini) {
+           ini.FineShiftStep = frm.Combo1()->currentText().toStdString();
+           ini.FineRotationStep = frm.Combo2()->currentText().toStdString();
+         });
+  if (!edit) return;
+
+  tavik::edit::Editor& editor = edit->Editor();
+  s.Link(&SoftwareIni::AutoNamePrefix, editor.Names.Prefix);
+  s.Link(&SoftwareIni::AutoNameNext, editor.Names.Number);
+  s.Link(&SoftwareIni::AutoNameDigits, editor.Names.Width);
+  s.Link(&SoftwareIni::AreaUnit, editor.Area.AreaUnit);
+  // Automatic naming is also the checked state of its menu item.
+  s.Link(
+      [this, &editor](const SoftwareIni& ini) {
+        editor.Names.AutoNaming = ini.AutoNameOn;
+        if (QAction* a = frm.findChild<QAction*>("AutoNaming")) a->setChecked(ini.AutoNameOn);
+      },
+      [&editor](SoftwareIni& ini) { ini.AutoNameOn = editor.Names.AutoNaming; });
+
+  tavik::view::Display& d = edit->Canvas().display;
+  s.Link(
+      [&d](const SoftwareIni& ini) {
+        d.BaseMapLineColour = static_cast<tavik::ui::Rgb>(ini.BaseMapLineColour);
+        d.BaseMapTextColour = static_cast<tavik::ui::Rgb>(ini.BaseMapTextColour);
+      },
+      [&d](SoftwareIni& ini) {
+        ini.BaseMapLineColour = static_cast<int32_t>(d.BaseMapLineColour);
+        ini.BaseMapTextColour = static_cast<int32_t>(d.BaseMapTextColour);
+      });
+  // The reference map is drawn in one colour, when that colour is in use.
+  s.Link(
+      [&d](const SoftwareIni& ini) {
+        const tavik::ui::Rgb grey = tavik::ui::MakeRgb(ini.RefRed, ini.RefGreen, ini.RefBlue);
+        d.ReferenceLineColour = d.ReferencePointColour = d.ReferenceTextColour = grey;
+        d.ReferenceEntityColourOn = d.ReferenceTextColourOn = ini.RefColourInUse ? tavik::kTrue : tavik::kFalse;
+      },
+      [&d](SoftwareIni& ini) {
+        ini.RefRed = tavik::ui::RedOf(d.ReferenceLineColour);
+        ini.RefGreen = tavik::ui::GreenOf(d.ReferenceLineColour);
+        ini.RefBlue = tavik::ui::BlueOf(d.ReferenceLineColour);
+        ini.RefColourInUse = d.ReferenceEntityColourOn != 0;
+      });
+}
+
+void Program::Start() {
+  LinkSettings();
+  cycle.Startup();
 }

@@ -24,6 +24,8 @@ class Program {
   explicit Program(tavik::AppPaths paths, tavik::ui::Dialogs* dialogs = nullptr);
 
   // Start-up from the window's load on: defaults, settings, crash check, recent list.
+  // The remembered settings reach the parts made by then (the pen on the map too, when
+  // it is made before the start).
   void Start();
 
   tavik::App app;
@@ -44,4 +46,8 @@ class Program {
   ~Program();
   // --demo: a fresh demo document from the simulator's scene file, opened at once.
   void OpenDemo(const std::string& scenePath);
+
+ private:
+  // Where each value of Software.ini lives in the running program.
+  void LinkSettings();
 };

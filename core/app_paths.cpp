@@ -11,15 +11,20 @@ namespace fs = std::filesystem;
 
 AppPaths AppPaths::FromEnvironment() {
   AppPaths p;
+  const char* h = std::getenv("HOME");
+  const bool hasHome = h && *h;
   if (const char* home = std::getenv("TAVIK_HOME"); home && *home) {
     p.Home = home;
-  } else if (const char* xdg = std::getenv("XDG_DATA_HOME"); xdg && *xdg) {
+    return p;
+  }
+  if (const char* xdg = std::getenv("XDG_DATA_HOME"); xdg && *xdg) {
     p.Home = fs::path(xdg) / "tavik";
-  } else if (const char* h = std::getenv("HOME"); h && *h) {
+  } else if (hasHome) {
     p.Home = fs::path(h) / ".local" / "share" / "tavik";
   } else {
     p.Home = fs::temp_directory_path() / "tavik";
   }
+  if (hasHome) p.Documents = fs::path(h) / "TAVIK";
   return p;
 }
 

@@ -9,6 +9,7 @@
 #include "core/app_paths.h"
 #include "core/document.h"
 #include "core/recent_files.h"
+#include "core/settings_links.h"
 #include "core/software_ini.h"
 #include "core/view_state.h"
 #include "core/workfiles.h"
@@ -22,6 +23,7 @@ struct App {
   Document doc;
   View view;
   SoftwareIni ini;
+  SettingsLinks settings;  // where each value of `ini` lives while the program runs
   RecentList recent;
   WorkFiles work;
 

@@ -1,5 +1,6 @@
 #include "core/frame.h"
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -70,9 +71,36 @@ std::string NameUpToFirstDot(const std::string& path) {
   return dot == std::string::npos ? path : path.substr(0, dot);
 }
 
+std::string PathLessExtension(const std::string& path) {
+  const auto slash = path.find_last_of('/');
+  const auto dot = path.rfind('.');
+  if (dot == std::string::npos || (slash != std::string::npos && dot < slash)) return path;
+  return path.substr(0, dot);
+}
+
+DocumentCycle::DotAnswer DocumentCycle::AskAboutDot(const std::string& chosen) {
+  const std::string cut = NameUpToFirstDot(chosen);
+  if (cut == PathLessExtension(chosen) && !cut.empty() && cut.back() != '/') return DotAnswer::Use;
+  // A dot in a folder's name, a second one in the file name, or a name that is only an
+  // extension: the document would be written under a shorter name than the one chosen,
+  // or as a hidden file with no name of its own. Said
+  // before anything is written, with the way back to the file dialog.
+  const ui::Answer a = dialogs_.MsgBox(
+      "選的路徑中,檔名之前有句點:\n" + chosen + "\n\n圖名取到路徑的第一個句點為止,圖檔和記錄檔會存成:\n" + cut +
+          ".SPC\n\n要另選一個路徑中沒有句點的資料夾嗎?\n(是: 另選  否: 仍用這個名稱  取消: 不做)",
+      "路徑中有句點", ui::Buttons::YesNoCancel, ui::Icon::Exclamation, ui::Answer::Yes);
+  if (a == ui::Answer::No) return DotAnswer::Use;
+  return a == ui::Answer::Cancel ? DotAnswer::Stop : DotAnswer::ChooseAgain;
+}
+
 DocumentCycle::DocumentCycle(App& app, ui::Dialogs& dialogs, ui::SettingsStore& store, FrameWindow& window,
                              ui::TimerFactory& timers)
     : app_(app), dialogs_(dialogs), store_(store), window_(window), timer5_(timers.CreateTimer()) {
+  // The settings the document carries: a new document starts with the legend and the
+  // heights in use, and the last ones are remembered at exit.
+  app_.settings.Link(&SoftwareIni::CurrentLegend, app_.doc.CurrentLegend);
+  app_.settings.Link(&SoftwareIni::InstrumentHeight, app_.doc.InstrumentHeight);
+  app_.settings.Link(&SoftwareIni::TargetHeight, app_.doc.TargetHeight);
   timer5_->SetInterval(Timer5Interval);
   timer5_->SetEnabled(false);
   timer5_->OnTick = [this] { Timer5Tick(); };
@@ -85,9 +113,7 @@ void DocumentCycle::Startup() {
   app_.ini = SoftwareIni{};
   ClearTables(doc);
   ReadSoftwareIni(app_.paths.SoftwareIni(), app_.ini);
-  doc.CurrentLegend = app_.ini.CurrentLegend;
-  doc.InstrumentHeight = app_.ini.InstrumentHeight;
-  doc.TargetHeight = app_.ini.TargetHeight;
+  app_.settings.Apply(app_.ini);
   doc.ScaleDenominator = app_.ini.MeasureMode == "TS" ? 200 : 1000;
   timer5_->SetInterval(Timer5Interval);
   timer5_->SetEnabled(false);
@@ -97,10 +123,10 @@ void DocumentCycle::Startup() {
   window_.SetPaperEnabled(false);
   window_.SetMeasureModeMenus(app_.ini.MeasureMode);
 
-  // The stored list is read before the crash check so that a recovered document joins
-  // it rather than replacing it.
-  ReadRecentList(store_, app_.recent);
-
+  // The crash check comes first, then the stored recent list. A recovered document is
+  // taken up before the list is known, so it is put at the head of the list once the
+  // list has been read, and only then is the list written back.
+  bool recovered = false;
   switch (app_.work.Check()) {
     case WorkFiles::CrashState::Recoverable:
       if (RecoverFromWorkFiles(doc, app_.work, dialogs_)) {
@@ -111,9 +137,9 @@ void DocumentCycle::Startup() {
         // What came back from the journal is in no saved file yet: the document counts
         // as changed, so that closing or leaving offers to save it.
         doc.MapChanged = kTrue;
-        AddRecent(app_.recent, doc.DocumentName);
-        TakeUp(true);
+        TakeUp(true, false);
         app_.work.WriteRecoveryHeader(doc);
+        recovered = true;
       }
       break;
     case WorkFiles::CrashState::BothEmpty:
@@ -123,6 +149,11 @@ void DocumentCycle::Startup() {
       break;
   }
 
+  ReadRecentList(store_, app_.recent);
+  if (recovered) {
+    AddRecent(app_.recent, doc.DocumentName);
+    WriteRecentList(store_, app_.recent);
+  }
   window_.SetRecentItems(app_.recent.Items);
   ShowCounts();
 }
@@ -147,8 +178,11 @@ void DocumentCycle::RefreshView() {
   if (hooks.RebuildScreenTables) hooks.RebuildScreenTables(app_.doc, app_.view);
 }
 
-void DocumentCycle::TakeUp(bool keepMapChanged) {
+void DocumentCycle::TakeUp(bool keepMapChanged, bool keepRecent) {
   Document& doc = app_.doc;
+  // The settings follow the running program, so that the measure mode chosen in the
+  // instrument options since the start is the one the menus are set for.
+  app_.settings.Collect(app_.ini);
   if (!keepMapChanged) doc.MapChanged = kFalse;
   window_.EnableDocumentCommands(true);
   window_.SetPaperEnabled(true);
@@ -159,7 +193,7 @@ void DocumentCycle::TakeUp(bool keepMapChanged) {
   ShowCounts();
   window_.SetRecentItems(app_.recent.Items);
   // Kept at once, so that a crash before a clean exit does not lose the entry.
-  WriteRecentList(store_, app_.recent);
+  if (keepRecent) WriteRecentList(store_, app_.recent);
 }
 
 bool DocumentCycle::RefuseWhileChanged() {
@@ -176,6 +210,9 @@ void DocumentCycle::New() {
   for (;;) {
     chosen = dialogs_.SaveFileName("開新圖檔", NewFilter, app_.paths.WorkFolder().string());
     if (chosen.empty()) return;
+    const DotAnswer dot = AskAboutDot(chosen);
+    if (dot == DotAnswer::Stop) return;
+    if (dot == DotAnswer::ChooseAgain) continue;
     // The document will be written as the name up to its first dot plus ".SPC", so an
     // existing file under that name is as much in the way as the name typed.
     const bool taken = Exists(chosen) || Exists(FindNoCase(NameUpToFirstDot(chosen) + ".SPC"));
@@ -239,9 +276,10 @@ void DocumentCycle::OpenFile(const std::string& chosen) {
     dialogs_.MsgBox(MsgNoFile);
     return;
   }
-  std::string ext = path.extension().string();
-  if (!ext.empty()) ext.erase(0, 1);
-  ext = text::UpperAscii(ext);
+  // The extension is what follows the file name's last dot, also for a name that is
+  // only a dot and an extension (".SPC" of a document named after its folder).
+  const std::string stem = PathLessExtension(path.string());
+  std::string ext = text::UpperAscii(path.string().substr(std::min(stem.size() + 1, path.string().size())));
   int16_t format = 0;
   if (ext == "SPC") format = 1;
   else if (ext == "SP") format = 2;
@@ -254,9 +292,7 @@ void DocumentCycle::OpenFile(const std::string& chosen) {
   if (app_.doc.IsOpen()) CloseQuietly();
 
   Document fresh = CarryOver(app_.doc);
-  fs::path stem = path;
-  stem.replace_extension();
-  SetDocumentName(fresh, stem.string());
+  SetDocumentName(fresh, stem);
   // The file keeps the case of its name: x.spc is read and later saved as x.spc.
   if (format == 1) fresh.SpcPath = path.string();
   else fresh.SpPath = path.string();
@@ -278,6 +314,7 @@ void DocumentCycle::OpenFile(const std::string& chosen) {
   app_.BaseMapOn = doc.BaseMapCount > 0;
   window_.EnableBaseMapCommands(app_.BaseMapOn);
   RefreshView();
+  if (hooks.PlaceScrollBars) hooks.PlaceScrollBars(doc, app_.view);
   AddRecent(app_.recent, doc.DocumentName);
   TakeUp(true);
   app_.work.WriteRecoveryHeader(doc);
@@ -337,6 +374,9 @@ void DocumentCycle::SaveAs() {
   for (;;) {
     chosen = dialogs_.SaveFileName("另存新檔", SaveAsFilter, doc.DocumentName);
     if (chosen.empty()) return;
+    const DotAnswer dot = AskAboutDot(chosen);
+    if (dot == DotAnswer::Stop) return;
+    if (dot == DotAnswer::ChooseAgain) continue;
     const bool taken = Exists(chosen) || Exists(FindNoCase(NameUpToFirstDot(chosen) + ".SPC"));
     if (!taken) break;
     const ui::Answer a = dialogs_.MsgBox(MsgOverwrite, "檔名重覆", ui::Buttons::YesNoCancel, ui::Icon::Question);
@@ -383,6 +423,7 @@ void DocumentCycle::CloseQuietly() {
 bool DocumentCycle::Close() {
   Document& doc = app_.doc;
   if (!doc.IsOpen()) return true;
+  if (hooks.StopLiveMarker) hooks.StopLiveMarker();
   if (hooks.CloseSensorPorts) hooks.CloseSensorPorts();
   if (doc.MapChanged) {
     const ui::Answer a =
@@ -397,10 +438,7 @@ bool DocumentCycle::Close() {
 
 bool DocumentCycle::Exit() {
   if (hooks.StopBaseLogging) hooks.StopBaseLogging();
-  app_.ini.CurrentLegend = app_.doc.CurrentLegend;
-  app_.ini.InstrumentHeight = app_.doc.InstrumentHeight;
-  app_.ini.TargetHeight = app_.doc.TargetHeight;
-  if (hooks.CollectSettings) hooks.CollectSettings(app_.ini);
+  app_.settings.Collect(app_.ini);
   WriteSoftwareIni(app_.paths.SoftwareIni(), app_.ini);
   Document& doc = app_.doc;
   if (doc.IsOpen()) {
@@ -419,6 +457,8 @@ bool DocumentCycle::Exit() {
     std::error_code ec;
     fs::remove(doc.MacPath, ec);
   }
+  if (hooks.StopLiveMarker) hooks.StopLiveMarker();
+  if (hooks.CloseSensorPorts) hooks.CloseSensorPorts();
   timer5_->SetEnabled(false);
   return true;
 }

@@ -26,18 +26,18 @@ struct FrameHooks {
   std::function<void(Document&, View&)> ComputeView;
   // RebuildScreenPoints and RebuildScreenEntities.
   std::function<void(Document&, View&)> RebuildScreenTables;
+  // Sets HScroll1 and VScroll1 from the view centre (after Open).
+  std::function<void(Document&, View&)> PlaceScrollBars;
   // Reads doc.SpPath with the whole-extent fit. Unset: the file part alone.
   std::function<bool(Document&, View&, ui::Dialogs&)> LoadOldDocument;
   // Empties the rubber-band point lists and ends any pointer command.
   std::function<void()> ResetPointer;
-  // Stops the blinking live marker before a save.
+  // Save, Close and Exit: stops the blinking live marker.
   std::function<void()> StopLiveMarker;
-  // Close: the motion-sensor or GPS port, when the instrument needs that.
+  // Close and Exit: the instrument's ports are let go of.
   std::function<void()> CloseSensorPorts;
   // Exit: a base station logging raw data gets "unlogall" and its port is closed.
   std::function<void()> StopBaseLogging;
-  // Exit: the other parts of the program put their settings into Software.ini's values.
-  std::function<void(SoftwareIni&)> CollectSettings;
   // True while a command holds the user (a message box or dialog is up). A toolkit that
   // runs timers inside modal dialogs would otherwise let the autosave in mid-command.
   std::function<bool()> CommandRunning;
@@ -80,8 +80,13 @@ class DocumentCycle {
   void ShowCounts();
 
  private:
+  enum class DotAnswer { Use, ChooseAgain, Stop };
+  // New and Save As: a chosen path whose name would be cut at an earlier dot is shown
+  // with the name it would get, and the user may choose again.
+  DotAnswer AskAboutDot(const std::string& chosen);
   bool RefuseWhileChanged();
-  void TakeUp(bool keepMapChanged);
+  // keepRecent: write the recent list to the store at once (not before it is read).
+  void TakeUp(bool keepMapChanged, bool keepRecent = true);
   void RefreshView();
   void CloseQuietly();
   bool SaveAndReload();
@@ -99,5 +104,7 @@ class DocumentCycle {
 // The name of a new document: the path up to its first ".", wherever that dot is (a
 // folder with a dot in its name cuts the name there, as the classic program did).
 std::string NameUpToFirstDot(const std::string& path);
+// The path without the extension of its file name (the text after its last dot).
+std::string PathLessExtension(const std::string& path);
 
 }  // namespace tavik

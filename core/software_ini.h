@@ -65,8 +65,8 @@ struct SoftwareIni {
   bool DiffThird = false;                      // 53
   bool PushMovesBaseMap = false;               // 54
   bool BmSetting55 = false;                    // 55 BmSetup
-  int32_t BaseMapLineColour = 0xC0C0C0;        // 56
-  int32_t BaseMapTextColour = 0x808080;        // 57
+  int32_t BaseMapLineColour = 0xA0A000;        // 56 0x00BBGGRR, dark cyan
+  int32_t BaseMapTextColour = 0x787800;        // 57
   bool BmSetting58 = false;                    // 58
   bool BmSetting59 = false;                    // 59
   bool BmSetting60 = false;                    // 60

@@ -48,7 +48,8 @@ struct FieldWindow : FrameWindow {
 
 // One run of the program over a data folder: state, scripted platform, window, cycle.
 struct Session {
-  explicit Session(const fs::path& home) : app(AppPaths{home}), cycle(app, dialogs, store, window, timers) {
+  explicit Session(const fs::path& home) : Session(AppPaths{home}) {}
+  explicit Session(AppPaths paths) : app(std::move(paths)), cycle(app, dialogs, store, window, timers) {
     app.paths.EnsureFolders();
     // A view wide enough that everything added lands in the screen tables.
     app.view.ScreenMinE = app.view.ScreenMinN = -1e9;
@@ -153,11 +154,130 @@ TEST(DocumentCycle, NewOverAnExistingFileAsksYesNoCancel) {
   }
 }
 
-TEST_F(StartedCycle, NewInAFolderWithADotIsNamedAtThatDot) {
-  fs::create_directories(home.path / "v1.2" / "maps");
-  s.NewAt((home.path / "v1.2" / "maps" / "site.SPC").string());
-  EXPECT_EQ(s.app.doc.DocumentName, (home.path / "v1").string());
-  EXPECT_EQ(s.app.doc.SpcPath, (home.path / "v1").string() + ".SPC");
+// The environment of a user who never set anything: HOME alone.
+class FreshUser {
+ public:
+  explicit FreshUser(const fs::path& home) {
+    for (const char* v : {"HOME", "TAVIK_HOME", "XDG_DATA_HOME"}) {
+      if (const char* old = std::getenv(v)) saved_[v] = old;
+      ::unsetenv(v);
+    }
+    ::setenv("HOME", home.c_str(), 1);
+  }
+  ~FreshUser() {
+    for (const char* v : {"HOME", "TAVIK_HOME", "XDG_DATA_HOME"}) {
+      if (auto it = saved_.find(v); it != saved_.end()) ::setenv(v, it->second.c_str(), 1);
+      else ::unsetenv(v);
+    }
+  }
+
+ private:
+  std::map<std::string, std::string> saved_;
+};
+
+// The first morning with the default folders: new, a shot, save, close, and the
+// document comes back both from the recent item and from the file dialog.
+TEST(DocumentCycle, FreshUserSavesInTheDefaultWorkFolderAndOpensItAgain) {
+  TempHome user;
+  AppPaths paths;
+  {
+    FreshUser env(user.path);
+    paths = AppPaths::FromEnvironment();
+  }
+  // The documents stay out of the hidden data folder, on a path without a dot.
+  EXPECT_EQ(paths.WorkFolder(), user.path / "TAVIK" / "工作目錄");
+  EXPECT_EQ(paths.Home, user.path / ".local" / "share" / "tavik");
+  Session s(paths);
+  s.cycle.Startup();
+  const std::string spc = s.Work("site.SPC");
+  s.NewAt(spc);
+  EXPECT_TRUE(s.dialogs.Messages().empty()) << s.dialogs.Messages().front();
+  ASSERT_EQ(s.app.doc.SpcPath, spc);
+  EXPECT_TRUE(fs::exists(paths.TempP0()));
+  s.Measure(1);
+  s.cycle.Save();
+  EXPECT_TRUE(fs::exists(spc));
+  EXPECT_TRUE(fs::exists(s.Work("site.MAC")));
+  ASSERT_TRUE(s.cycle.Close());
+
+  s.cycle.OpenRecent(1);
+  ASSERT_EQ(s.app.doc.SpcPath, spc);
+  EXPECT_EQ(s.app.doc.PointCount, 1);
+  ASSERT_TRUE(s.cycle.Close());
+  s.dialogs.files = {spc};
+  s.cycle.Open();
+  EXPECT_EQ(s.app.doc.PointCount, 1);
+  EXPECT_EQ(s.app.doc.EntityTable.at(0).Name, "P1");
+  EXPECT_TRUE(s.dialogs.Messages().empty()) << s.dialogs.Messages().front();
+}
+
+// A dot before the file name would cut the name: New and Save As say what it would
+// become before writing anything. Yes goes back to the dialog, No keeps the cut name,
+// Cancel ends the command.
+TEST(DocumentCycle, DotBeforeTheFileNameIsShownBeforeAnythingIsWritten) {
+  struct Case {
+    const char* legend;
+    bool saveAs;
+    const char* chosen;  // under the data folder
+    Answer answer;
+    const char* expectName;  // "" : nothing taken up
+  } cases[] = {
+      {"new, choose again", false, "v1.2/maps/site.SPC", Answer::Yes, "plain"},
+      {"new, keep the cut name", false, "v1.2/maps/site.SPC", Answer::No, "v1"},
+      {"new, cancel", false, "v1.2/maps/site.SPC", Answer::Cancel, ""},
+      {"new, second dot in the file name", false, "a.b.SPC", Answer::No, "a"},
+      {"save as, choose again", true, ".hidden/x.SPC", Answer::Yes, "plain"},
+      {"save as, cancel keeps the old name", true, ".hidden/x.SPC", Answer::Cancel, "first"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.legend);
+    TempHome home;
+    Session s(home.path);
+    s.cycle.Startup();
+    fs::create_directories(home.path / "v1.2" / "maps");
+    fs::create_directories(home.path / ".hidden");
+    if (c.saveAs) {
+      s.NewAt((home.path / "first.SPC").string());
+      s.Measure(1);
+    }
+    const std::string chosen = (home.path / c.chosen).string();
+    s.dialogs.files = {chosen, (home.path / "plain.SPC").string()};
+    s.dialogs.answers = {c.answer};
+    const std::size_t before = s.dialogs.shown.size();
+    c.saveAs ? s.cycle.SaveAs() : s.cycle.New();
+    ASSERT_GE(s.dialogs.shown.size(), before + 2);
+    const auto& warning = s.dialogs.shown[before + 1];
+    EXPECT_EQ(warning.title, "路徑中有句點");
+    EXPECT_NE(warning.text.find(NameUpToFirstDot(chosen) + ".SPC"), std::string::npos) << warning.text;
+    EXPECT_EQ(s.app.doc.DocumentName, *c.expectName ? (home.path / c.expectName).string() : "");
+    // Nothing is written under the cut name unless the user kept it.
+    if (c.answer != Answer::No) {
+      EXPECT_FALSE(fs::exists(NameUpToFirstDot(chosen) + ".SPC"));
+      EXPECT_FALSE(fs::exists(NameUpToFirstDot(chosen) + ".MAC"));
+    }
+  }
+}
+
+// A name that is only an extension is warned about too; kept, it makes a hidden
+// ".SPC" named after its folder, which then opens from the recent item and the dialog.
+TEST_F(StartedCycle, DocumentNamedAfterItsFolderOpensAgain) {
+  fs::create_directories(home.path / "old");
+  const std::string spc = (home.path / "old" / ".SPC").string();
+  s.dialogs.answers = {Answer::No};
+  s.NewAt(spc);
+  ASSERT_EQ(s.dialogs.Messages().size(), 1u);
+  ASSERT_EQ(s.app.doc.SpcPath, spc);
+  s.Measure(1);
+  s.cycle.Save();
+  ASSERT_TRUE(s.cycle.Close());
+  s.cycle.OpenRecent(1);
+  EXPECT_EQ(s.app.doc.SpcPath, spc);
+  EXPECT_EQ(s.app.doc.PointCount, 1);
+  ASSERT_TRUE(s.cycle.Close());
+  s.dialogs.files = {spc};
+  s.cycle.Open();
+  EXPECT_EQ(s.app.doc.PointCount, 1);
+  EXPECT_EQ(s.dialogs.Messages().size(), 1u);
 }
 
 TEST_F(StartedCycle, GuardRefusesNewOpenAndRecentWhileChanged) {
@@ -217,9 +337,12 @@ TEST_F(StartedCycle, SaveThenReopenKeepsEverything) {
   EXPECT_EQ(s.window.caption, "TAVIK");
   EXPECT_FALSE(s.window.documentCommands);
 
+  int scrollBarsPlaced = 0;
+  s.cycle.hooks.PlaceScrollBars = [&](Document&, View&) { ++scrollBarsPlaced; };
   s.dialogs.files = {s.Work("farm.SPC")};
   s.cycle.Open();
   ASSERT_TRUE(s.app.doc.IsOpen());
+  EXPECT_EQ(scrollBarsPlaced, 1);
   EXPECT_EQ(s.app.doc.PointCount, 2);
   EXPECT_FALSE(s.app.doc.MapChanged);
   EXPECT_EQ(s.window.caption, "TAVIK - " + s.Work("farm") + ".SPC");
@@ -347,21 +470,74 @@ TEST(DocumentCycle, CloseAndExitWithChangesAskAndCancelKeepsEverything) {
   }
 }
 
-TEST(DocumentCycle, WrongSettingsFileIsReplacedAtTheNextExit) {
+// The settings of Software.ini reach the variables linked to them at the start and come
+// back from them at exit; a value nobody links is written back as it was read. A file
+// of the wrong count is replaced at the next exit.
+TEST(DocumentCycle, SettingsReachTheirOwnersAndSurviveARestart) {
+  struct Owners {
+    std::string kind = "none";
+    int16_t port = 0;
+    int16_t autoName = 0;  // an int16 boolean
+  };
+  auto link = [](Session& s, Owners& o) {
+    s.app.settings.Link(&SoftwareIni::InstrumentKind, o.kind);
+    s.app.settings.Link(&SoftwareIni::PortNumber, o.port);
+    s.app.settings.Link(&SoftwareIni::AutoNameOn, o.autoName);
+  };
   TempHome home;
   {
     Session s(home.path);
+    Owners o;
+    link(s, o);
     WriteBytes(s.app.paths.Symb() / "Software.ini", "\"GPS\"\r\n1\r\n");
     s.cycle.Startup();
     EXPECT_FALSE(fs::exists(s.app.paths.Symb() / "Software.ini"));
-    EXPECT_EQ(s.app.ini.MeasureMode, "TS");
+    EXPECT_EQ(o.kind, "SET30R");  // the defaults reached the owners
+    EXPECT_EQ(o.port, 1);
+    EXPECT_EQ(o.autoName, 0);
+    o.kind = "GTS-211D";
+    o.port = 4;
+    o.autoName = -1;
     s.app.ini.MeasureMode = "GPS";
+    s.app.ini.DxfTextScale = 2.5;  // nobody owns it yet
+    s.NewAt(s.Work("legend.SPC"));
+    s.app.doc.CurrentLegend = 114;
+    s.app.doc.InstrumentHeight = 1.52;
+    s.app.doc.TargetHeight = 1.3;
+    EXPECT_EQ(s.app.ini.InstrumentKind, "GTS-211D");  // taking up a document collects
     EXPECT_TRUE(s.cycle.Exit());
   }
   Session again(home.path);
+  Owners o;
+  link(again, o);
   again.cycle.Startup();
+  EXPECT_EQ(o.kind, "GTS-211D");
+  EXPECT_EQ(o.port, 4);
+  EXPECT_EQ(o.autoName, -1);
   EXPECT_EQ(again.app.ini.MeasureMode, "GPS");
   EXPECT_EQ(again.app.doc.ScaleDenominator, 1000);
+  EXPECT_EQ(again.app.ini.DxfTextScale, 2.5);
+  EXPECT_EQ(again.app.doc.CurrentLegend, 114);
+  EXPECT_EQ(again.app.doc.InstrumentHeight, 1.52);
+  EXPECT_EQ(again.app.doc.TargetHeight, 1.3);
+}
+
+// Save, Close and Exit stop the live marker; Close and Exit let the ports go.
+TEST_F(StartedCycle, SaveCloseAndExitStopTheMarkerAndClosePorts) {
+  int stops = 0, portCloses = 0;
+  s.cycle.hooks.StopLiveMarker = [&] { ++stops; };
+  s.cycle.hooks.CloseSensorPorts = [&] { ++portCloses; };
+  s.NewAt(s.Work("m.SPC"));
+  s.Measure(1);
+  s.cycle.Save();
+  EXPECT_EQ(stops, 1);
+  EXPECT_EQ(portCloses, 0);
+  ASSERT_TRUE(s.cycle.Close());
+  EXPECT_EQ(stops, 2);
+  EXPECT_EQ(portCloses, 1);
+  ASSERT_TRUE(s.cycle.Exit());
+  EXPECT_EQ(stops, 3);
+  EXPECT_EQ(portCloses, 2);
 }
 
 // The process dies without Exit; the next start takes up the journal, or removes it
@@ -379,6 +555,7 @@ TEST(DocumentCycle, CrashLeavesAJournalThatTheNextStartTakesUp) {
       name = s.app.doc.DocumentName;
     }
     Session s(home.path);
+    s.store.SaveSetting("TAVIK", "Used Files", "1", s.Work("older"));
     s.cycle.Startup();
     const Document& d = s.app.doc;
     if (!measured) {
@@ -394,7 +571,9 @@ TEST(DocumentCycle, CrashLeavesAJournalThatTheNextStartTakesUp) {
     EXPECT_EQ(s.window.caption, "TAVIK - " + name + ".SPC");
     EXPECT_EQ(s.window.panels[4], "測點 4");
     EXPECT_TRUE(s.dialogs.Messages().empty()) << s.dialogs.Messages().front();
-    EXPECT_EQ(s.window.recent.front(), name);
+    // The recovered document joins the stored list at its head.
+    EXPECT_EQ(s.window.recent, (std::vector<std::string>{name, s.Work("older")}));
+    EXPECT_EQ(s.store.GetSetting("TAVIK", "Used Files", "2", ""), s.Work("older"));
   }
 }
 

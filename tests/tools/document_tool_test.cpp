@@ -42,12 +42,12 @@ class ToolTest : public ::testing::Test {
   std::string Quoted(const std::string& name) const { return "'" + (home.path / name).string() + "'"; }
 
   // A small document saved by the program's own save.
-  std::string MakeSpc() {
-    AppPaths paths{home.path};
+  std::string MakeSpc() { return MakeSpc(AppPaths{home.path}, home.path / "small"); }
+  std::string MakeSpc(const AppPaths& paths, const std::filesystem::path& name) {
     WorkFiles wf(paths);
     View view;
     Document d;
-    SetDocumentName(d, (home.path / "small").string());
+    SetDocumentName(d, name.string());
     d.StationName = "站A";
     d.ScaleDenominator = 250;
     AddPoint(d, view, wf, 281000.12345678901, 2751000.1, 0.1 + 0.2);
@@ -82,6 +82,28 @@ TEST_F(ToolTest, InfoListsHeaderValuesAndKeptCounts) {
   EXPECT_EQ(Line(r.out, "basemap"), "0");
   // 24 header values and three counts.
   EXPECT_EQ(std::count(r.out.begin(), r.out.end(), '\n'), 27);
+}
+
+// A document saved where a new user's file dialog starts is read by the tool too.
+TEST_F(ToolTest, InfoReadsADocumentInTheDefaultWorkFolder) {
+  const char* vars[] = {"HOME", "TAVIK_HOME", "XDG_DATA_HOME"};
+  std::string saved[3];
+  bool had[3];
+  for (int i = 0; i < 3; ++i) {
+    const char* v = std::getenv(vars[i]);
+    had[i] = v != nullptr;
+    if (v) saved[i] = v;
+    ::unsetenv(vars[i]);
+  }
+  ::setenv("HOME", home.path.c_str(), 1);
+  AppPaths paths = AppPaths::FromEnvironment();
+  for (int i = 0; i < 3; ++i) had[i] ? ::setenv(vars[i], saved[i].c_str(), 1) : ::unsetenv(vars[i]);
+  ASSERT_TRUE(paths.EnsureFolders());
+  const std::string spc = MakeSpc(paths, paths.WorkFolder() / "site");
+  EXPECT_EQ(spc, (home.path / "TAVIK" / "工作目錄" / "site.SPC").string());
+  ToolRun r = Tool("info '" + spc + "'");
+  ASSERT_EQ(r.exit, 0) << r.err;
+  EXPECT_EQ(Line(r.out, "points"), "2");
 }
 
 TEST_F(ToolTest, DumpPrintsDoublesThatReadBackIdentical) {
