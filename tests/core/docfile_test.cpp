@@ -228,14 +228,17 @@ TEST_F(DocFileTest, LoadFiltersPointsAndEntitiesAndDerivesTheSplitValues) {
   EXPECT_EQ(d.SplitAreaAt[0], 3);
 }
 
+// The version decides the split stakes and the base-map record size; the reference
+// counts come only with the reference-map flag.
 TEST_F(DocFileTest, VersionDecidesSplitStakesAndBaseMapRecordSize) {
   struct Case {
     const char* version;
     bool stakesCopied;
     bool oldBaseMap;
+    int16_t refLoaded = 0;
   } cases[] = {
-      {"7321153", true, false}, {"7321152", true, false},  {"7321151", false, false},
-      {"7221081", false, false}, {"7221080", false, true}, {"TAVIK722", false, true},
+      {"7321153", true, false, -1}, {"7321152", true, false},  {"7321151", false, false},
+      {"7221081", false, false},    {"7221080", false, true},  {"TAVIK722", false, true},
       {"garbage", false, true},
   };
   for (const auto& c : cases) {
@@ -243,6 +246,8 @@ TEST_F(DocFileTest, VersionDecidesSplitStakesAndBaseMapRecordSize) {
     SpcFile f;
     f.version = c.version;
     f.splitStakes = 7;
+    f.refLoaded = c.refLoaded;
+    f.refPoints = 3;
     f.counts[2] = 2;
     if (c.oldBaseMap) {
       f.AddOldBaseMap(4, 21, 1, 2, 3, 4, "a");
@@ -253,8 +258,10 @@ TEST_F(DocFileTest, VersionDecidesSplitStakesAndBaseMapRecordSize) {
     }
     Document before;
     before.SplitStakeCount = 1;
+    before.ReferencePointCount = 9;
     Document d = Load(f.Bytes(), true, before);
     EXPECT_EQ(d.SplitStakeCount, c.stakesCopied ? 7 : 1);
+    EXPECT_EQ(d.ReferencePointCount, c.refLoaded ? 3 : 9);
     ASSERT_EQ(d.BaseMapCount, 2);
     EXPECT_EQ(d.BaseMapTable[1].Code, 6);
     EXPECT_EQ(d.BaseMapTable[1].X[1], 7);
@@ -262,20 +269,6 @@ TEST_F(DocFileTest, VersionDecidesSplitStakesAndBaseMapRecordSize) {
     EXPECT_EQ(d.BaseMapTable[1].Name, "b");
     EXPECT_EQ(d.BaseMapTable[1].Number, 2);
     EXPECT_EQ(d.BaseMapTable[0].Z[0], c.oldBaseMap ? 0 : 9);
-  }
-}
-
-TEST_F(DocFileTest, ReferenceCountsComeOnlyWithTheReferenceMapFlag) {
-  for (int16_t loaded : {int16_t{0}, int16_t{-1}}) {
-    SpcFile f;
-    f.refLoaded = loaded;
-    f.refPoints = 3, f.refEntities = 4;
-    f.counts[0] = 1;
-    f.AddPoint(1, 1, 1);
-    Document before;
-    before.ReferencePointCount = 9;
-    Document d = Load(f.Bytes(), true, before);
-    EXPECT_EQ(d.ReferencePointCount, loaded ? 3 : 9);
   }
 }
 

@@ -93,16 +93,13 @@ class StartedCycle : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(StartedCycle, StartupWithNothingShowsNoDocument) {
+TEST_F(StartedCycle, StartupShowsNoDocumentThenNewTakesUpAnEmptyOne) {
   EXPECT_EQ(s.window.caption, "TAVIK");
   EXPECT_FALSE(s.window.documentCommands);
-  EXPECT_EQ(s.app.doc.ScaleDenominator, 200);  // "TS" mode
+  EXPECT_EQ(s.window.panels[1], "1 :200");  // "TS" mode
   EXPECT_EQ(s.Timer5().interval, 60000);
   EXPECT_FALSE(s.Timer5().enabled);
-  EXPECT_EQ(s.window.panels[1], "1 :200");
-}
 
-TEST_F(StartedCycle, NewTakesUpAnEmptyDocument) {
   s.NewAt(s.Work("site1.SPC"));
   const std::string name = s.Work("site1");
   EXPECT_EQ(s.app.doc.DocumentName, name);
@@ -154,36 +151,25 @@ TEST(DocumentCycle, NewOverAnExistingFileAsksYesNoCancel) {
   }
 }
 
-// The environment of a user who never set anything: HOME alone.
-class FreshUser {
- public:
-  explicit FreshUser(const fs::path& home) {
-    for (const char* v : {"HOME", "TAVIK_HOME", "XDG_DATA_HOME"}) {
-      if (const char* old = std::getenv(v)) saved_[v] = old;
-      ::unsetenv(v);
-    }
-    ::setenv("HOME", home.c_str(), 1);
+// The folders of a user who never set anything: HOME alone.
+AppPaths FreshUserPaths(const fs::path& home) {
+  const char* vars[] = {"HOME", "TAVIK_HOME", "XDG_DATA_HOME"};
+  std::map<std::string, std::string> saved;
+  for (const char* v : vars) {
+    if (const char* old = std::getenv(v)) saved[v] = old;
+    ::unsetenv(v);
   }
-  ~FreshUser() {
-    for (const char* v : {"HOME", "TAVIK_HOME", "XDG_DATA_HOME"}) {
-      if (auto it = saved_.find(v); it != saved_.end()) ::setenv(v, it->second.c_str(), 1);
-      else ::unsetenv(v);
-    }
-  }
-
- private:
-  std::map<std::string, std::string> saved_;
-};
+  ::setenv("HOME", home.c_str(), 1);
+  AppPaths paths = AppPaths::FromEnvironment();
+  for (const char* v : vars) saved.count(v) ? ::setenv(v, saved[v].c_str(), 1) : ::unsetenv(v);
+  return paths;
+}
 
 // The first morning with the default folders: new, a shot, save, close, and the
 // document comes back both from the recent item and from the file dialog.
 TEST(DocumentCycle, FreshUserSavesInTheDefaultWorkFolderAndOpensItAgain) {
   TempHome user;
-  AppPaths paths;
-  {
-    FreshUser env(user.path);
-    paths = AppPaths::FromEnvironment();
-  }
+  const AppPaths paths = FreshUserPaths(user.path);
   // The documents stay out of the hidden data folder, on a path without a dot.
   EXPECT_EQ(paths.WorkFolder(), user.path / "TAVIK" / "工作目錄");
   EXPECT_EQ(paths.Home, user.path / ".local" / "share" / "tavik");
@@ -317,10 +303,16 @@ TEST_F(StartedCycle, OpenRefusesMissingFilesAndForeignExtensions) {
 }
 
 TEST_F(StartedCycle, SaveThenReopenKeepsEverything) {
+  int markerStops = 0, portCloses = 0, scrollBarsPlaced = 0;
+  s.cycle.hooks.StopLiveMarker = [&] { ++markerStops; };
+  s.cycle.hooks.CloseSensorPorts = [&] { ++portCloses; };
+  s.cycle.hooks.PlaceScrollBars = [&](Document&, View&) { ++scrollBarsPlaced; };
   s.NewAt(s.Work("farm.SPC"));
   s.Measure(3);
   ASSERT_TRUE(DeletePoint(s.app.doc, s.app.work, 2));
   s.cycle.Save();
+  EXPECT_EQ(markerStops, 1);
+  EXPECT_EQ(portCloses, 0);
   const Document& d = s.app.doc;
   EXPECT_FALSE(d.MapChanged);
   EXPECT_EQ(s.window.obsBox, "幾秒前已經存檔");
@@ -336,9 +328,9 @@ TEST_F(StartedCycle, SaveThenReopenKeepsEverything) {
   EXPECT_FALSE(s.app.doc.IsOpen());
   EXPECT_EQ(s.window.caption, "TAVIK");
   EXPECT_FALSE(s.window.documentCommands);
+  EXPECT_EQ(markerStops, 2);
+  EXPECT_EQ(portCloses, 1);
 
-  int scrollBarsPlaced = 0;
-  s.cycle.hooks.PlaceScrollBars = [&](Document&, View&) { ++scrollBarsPlaced; };
   s.dialogs.files = {s.Work("farm.SPC")};
   s.cycle.Open();
   ASSERT_TRUE(s.app.doc.IsOpen());
@@ -348,6 +340,9 @@ TEST_F(StartedCycle, SaveThenReopenKeepsEverything) {
   EXPECT_EQ(s.window.caption, "TAVIK - " + s.Work("farm") + ".SPC");
   // Open writes no journal.
   EXPECT_FALSE(fs::exists(s.app.paths.TempP0()));
+  ASSERT_TRUE(s.cycle.Exit());
+  EXPECT_EQ(markerStops, 3);
+  EXPECT_EQ(portCloses, 2);
 }
 
 TEST_F(StartedCycle, SavingAMapWithEverythingDeletedReportsTheEmptyFile) {
@@ -520,24 +515,6 @@ TEST(DocumentCycle, SettingsReachTheirOwnersAndSurviveARestart) {
   EXPECT_EQ(again.app.doc.CurrentLegend, 114);
   EXPECT_EQ(again.app.doc.InstrumentHeight, 1.52);
   EXPECT_EQ(again.app.doc.TargetHeight, 1.3);
-}
-
-// Save, Close and Exit stop the live marker; Close and Exit let the ports go.
-TEST_F(StartedCycle, SaveCloseAndExitStopTheMarkerAndClosePorts) {
-  int stops = 0, portCloses = 0;
-  s.cycle.hooks.StopLiveMarker = [&] { ++stops; };
-  s.cycle.hooks.CloseSensorPorts = [&] { ++portCloses; };
-  s.NewAt(s.Work("m.SPC"));
-  s.Measure(1);
-  s.cycle.Save();
-  EXPECT_EQ(stops, 1);
-  EXPECT_EQ(portCloses, 0);
-  ASSERT_TRUE(s.cycle.Close());
-  EXPECT_EQ(stops, 2);
-  EXPECT_EQ(portCloses, 1);
-  ASSERT_TRUE(s.cycle.Exit());
-  EXPECT_EQ(stops, 3);
-  EXPECT_EQ(portCloses, 2);
 }
 
 // The process dies without Exit; the next start takes up the journal, or removes it

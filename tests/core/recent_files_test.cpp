@@ -31,32 +31,22 @@ TEST(RecentFiles, NewestFirstNoDuplicatesAtMostFive) {
   }
 }
 
+// Written under TAVIK / Used Files by number, the whole section at once; read back in
+// number order, gaps, duplicates and keys past five left out.
 TEST(RecentFiles, StoredUnderTavikUsedFilesByNumber) {
   ui::MemorySettingsStore store;
-  store.SaveSetting("TAVIK", "Used Files", "9", "stale");  // removed by the whole-section rewrite
-  RecentList l{{"/w/甲", "/w/b"}};
-  WriteRecentList(store, l);
-  const auto all = store.GetAllSettings("TAVIK", "Used Files");
-  ASSERT_EQ(all.size(), 2u);
-  EXPECT_EQ(all[0], (std::pair<std::string, std::string>{"1", "/w/甲"}));
-  EXPECT_EQ(all[1], (std::pair<std::string, std::string>{"2", "/w/b"}));
+  store.SaveSetting("TAVIK", "Used Files", "9", "stale");
+  WriteRecentList(store, RecentList{{"/w/甲", "/w/b"}});
+  EXPECT_EQ(store.GetAllSettings("TAVIK", "Used Files"),
+            (std::vector<std::pair<std::string, std::string>>{{"1", "/w/甲"}, {"2", "/w/b"}}));
 
+  for (auto [k, v] : {std::pair{"2", ""}, {"3", "/c"}, {"4", "/w/甲"}, {"6", "/f"}})
+    store.SaveSetting("TAVIK", "Used Files", k, v);
   RecentList back;
   ReadRecentList(store, back);
-  EXPECT_EQ(back.Items, l.Items);
+  EXPECT_EQ(back.Items, (Items{"/w/甲", "/c"}));
 
   ClearRecentList(store, back);
   EXPECT_TRUE(back.Items.empty());
   EXPECT_TRUE(store.GetAllSettings("TAVIK", "Used Files").empty());
-}
-
-TEST(RecentFiles, ReadSkipsGapsAndKeepsOnlyFive) {
-  ui::MemorySettingsStore store;
-  store.SaveSetting("TAVIK", "Used Files", "1", "/a");
-  store.SaveSetting("TAVIK", "Used Files", "3", "/c");
-  store.SaveSetting("TAVIK", "Used Files", "4", "/a");  // a duplicate written by hand
-  store.SaveSetting("TAVIK", "Used Files", "6", "/f");
-  RecentList l;
-  ReadRecentList(store, l);
-  EXPECT_EQ(l.Items, (Items{"/a", "/c"}));
 }
