@@ -14,8 +14,11 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 #include <QWheelEvent>
+#include <tuple>
 
 #include "app/legmenu.h"
+#include "app/survey_station.h"
+#include "procedures/observation_pipeline.h"
 #include "core/tables.h"
 #include "edit/modes.h"
 #include "view/navigation.h"
@@ -85,6 +88,9 @@ class EditWiring::WindowHost : public tavik::edit::MapHost {
   }
   void FrameCommand(const std::string& key) override { Run(key); }
   void Measure() override { Run("Measure"); }
+  std::string MeasureMode() const override { return w_.program_.app.ini.MeasureMode; }
+  // No receiver is read yet, so there is never a fix: in GPS mode the keyed angle says so.
+  bool HasGpsFix() const override { return false; }
   void ShowManual() override { w_.program_.frm.ShowManual(); }
   void ModeChanged(const std::string& mode) override {
     for (QToolBar* bar : {w_.toolbar1_, w_.toolbar2_}) {
@@ -124,6 +130,12 @@ EditWiring::EditWiring(Program& program)
   FrameCommands["開新圖"] = [&cycle] { cycle.New(); };
   FrameCommands["開啟舊圖"] = [&cycle] { cycle.Open(); };
   FrameCommands["快速存檔"] = [&cycle] { cycle.Save(); };
+  // "輸入角度": a reading typed from the instrument's display, stored as a shot is.
+  FrameCommands["輸入角度"] = [this] {
+    if (!program_.survey) return;
+    tavik::SurveyContext& ctx = program_.survey->ctx;
+    if (ctx.window.ShowKeyedObservation()) tavik::ReducePoint(ctx);
+  };
   // New, Open, Save and Close end any pointer command and start a fresh view history.
   cycle.hooks.ResetPointer = [this] {
     editor_->Reset();
@@ -282,7 +294,9 @@ void EditWiring::BuildMenus() {
                               {"MainMnu_PerOf", "垂足點", "NP_PerOf"},
                               {"MainMnu_IntOf", "兩線交點", "NP_IntOf"},
                               {"MainMnu_Extend", "延伸交點", "NP_Extend"},
+                              {"MainMnuQX2LineMark", "在兩線交點產生新點", "QX2LineMark"},
                               {"MainMnuPointProject", "投影到線上", "PointProject"},
+                              {"MainMnuQX2Line", "查詢兩線交點", "QX2Line"},
                               {"MainMnuQDis", "查詢距離方位", "QDIS"},
                               {"MainMnuQArea", "查詢面積", "QAREA"}};
     edit->addSeparator();
@@ -291,6 +305,18 @@ void EditWiring::BuildMenus() {
       a->setObjectName(m.name);
       const std::string mode = m.mode;
       connect(a, &QAction::triggered, this, [this, mode] { editor_->StartCommand(mode); });
+    }
+    edit->addSeparator();
+    // The two notes by menu, with the legend check of their buttons.
+    for (const auto& [name, caption, key] : {std::tuple{"MainMnuLabl", "區塊註記", "Label"},
+                                             std::tuple{"MainMnuSymb", "實物註記", "Symbol"}}) {
+      QAction* a = edit->addAction(QString::fromUtf8(caption));
+      a->setObjectName(name);
+      const std::string k = key;
+      connect(a, &QAction::triggered, this, [this, k] {
+        editor_->Toolbar2Click(k);
+        host_->ModeChanged(editor_->Ptr.ActionMode);
+      });
     }
     QAction* u = edit->addAction("救回刪除的資料(U)");
     u->setObjectName("MainMnuUndelete");
@@ -305,6 +331,9 @@ void EditWiring::BuildMenus() {
   }
   QMenu* view = program_.frm.Menu("MainMnuView");
   if (view) {
+    QAction* pan = view->addAction("平移圖面");
+    pan->setObjectName("MainMnuPan");
+    connect(pan, &QAction::triggered, this, [this] { editor_->StartCommand(tavik::edit::mode::PAN); });
     QAction* a = view->addAction("快捷鍵速覽");
     a->setObjectName("MainMnuHotKeys");
     connect(a, &QAction::triggered, this, [this] { ShowHotKeys(); });

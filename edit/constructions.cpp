@@ -6,10 +6,13 @@
 // A line is picked from the entities on the screen, newest first, then from the base
 // map; a construction on a base-map line makes an ordinary survey point. A new point
 // never lands at E or N exactly 0, and the view follows it when it falls off the screen.
+#include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "core/numbers.h"
 #include "core/tables.h"
+#include "core/text.h"
 #include "edit/editor.h"
 #include "edit/modes.h"
 #include "geo/angles.h"
@@ -153,7 +156,7 @@ void Editor::ConstructionPick(const std::string& m, float x, float y, double E, 
     return;
   }
 
-  if (m == mode::NP_IntOf || m == mode::QX2Line || m == mode::QX2LineMark) {
+  if (m == mode::NP_IntOf) {
     // The two lines nearest the crossing: the first hit, then the first other hit.
     const PickedLine a = PickLine(x, y, 8, {KindLine});
     if (!a.Found) return;
@@ -199,6 +202,77 @@ void Editor::ConstructionPick(const std::string& m, float x, float y, double E, 
       NewEntity(a.Code, KindLine, a.X[end], a.Y[end], a.Z[end], iE, iN, LastFoot.FootH, 0, 0, 0, "");
     return;
   }
+}
+
+void Editor::CrossingInWindow(const std::string& m, double E1, double N1, double E2, double N2) {
+  // The first two lines through the window whose crossing lies inside it; a window with
+  // no such pair does nothing, and the command waits for another.
+  const std::vector<PickedLine> lines = LinesInWindow(E1, N1, E2, N2);
+  const double minE = std::min(E1, E2), maxE = std::max(E1, E2), minN = std::min(N1, N2), maxN = std::max(N1, N2);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    for (std::size_t j = i + 1; j < lines.size(); ++j) {
+      const PickedLine& a = lines[i];
+      const PickedLine& b = lines[j];
+      double X1 = a.X[0], iE = 0, iN = 0;
+      bool ok = false;
+      IntersectLines(X1, a.Y[0], a.X[1], a.Y[1], b.X[0], b.Y[0], b.X[1], b.Y[1], iE, iN, ok);
+      if (!ok || iE < minE || iE > maxE || iN < minN || iN > maxN) continue;
+      double aE1 = a.X[0], aN1 = a.Y[0], aE2 = a.X[1], aN2 = a.Y[1];
+      FootOnSegment3(iE, iN, aE1, aN1, a.Z[0], aE2, aN2, a.Z[1], doc.MapType, LastFoot);
+      SetMode("");
+      if (m == mode::QX2LineMark) {
+        AddNewPoint(iE, iN, LastFoot.FootH);
+        return;
+      }
+      MarkPick(iE, iN);
+      const std::string text = "E: " + num::Format(iE, "0.000") + "\r\nN: " + num::Format(iN, "0.000");
+      host.ShowStatus(text);
+      dialogs.MsgBox(text, "兩線交點");
+      return;
+    }
+  }
+}
+
+void Editor::KeyinCoordinate() {
+  const auto answer = dialogs.InputBox("請輸入E,N或E,N,H座標(逗點分隔)", "輸入座標", "");
+  if (!answer || text::Trim(*answer).empty()) return;
+  std::vector<double> v;
+  std::size_t from = 0;
+  bool good = true;
+  while (good && from <= answer->size()) {
+    const std::size_t comma = std::min(answer->find(',', from), answer->size());
+    const auto value = num::ParseStrict(text::Trim(std::string_view(*answer).substr(from, comma - from)));
+    good = value && std::isfinite(*value);
+    if (good) v.push_back(*value);
+    from = comma + 1;
+  }
+  if (!good || v.size() < 2 || v.size() > 3) {
+    dialogs.MsgBox("座標格式不正確: " + *answer, "輸入座標");
+    return;
+  }
+  AddNewPoint(v[0], v[1], doc.MapType == 1 && v.size() == 3 ? v[2] : 0);
+}
+
+void Editor::LeadPointPick(const PickHit& p) {
+  if (!p.Found) return;
+  MarkPick(p.E, p.N);
+  const auto answer = dialogs.InputBox("方位角(度分秒,例 1234512),平距(m)", "手動引點", "");
+  if (!answer || text::Trim(*answer).empty()) {
+    SetMode("");
+    return;
+  }
+  const std::size_t comma = answer->find(',');
+  const auto azimuth = ReadPackedAngle(answer->substr(0, comma));
+  const auto distance =
+      comma == std::string::npos ? std::nullopt : num::ParseStrict(text::Trim(answer->substr(comma + 1)));
+  if (!azimuth || !distance || !std::isfinite(*distance) || *distance <= 0) {
+    dialogs.MsgBox("方位角請以度分秒輸入,平距為正數,以逗點分隔,例如 1234512,15.3", "手動引點");
+    return;  // the mode stays: the next pick tries again
+  }
+  const double a = PackedToRadians(*azimuth);
+  SetMode("");
+  // The led point keeps the height of the point it was led from.
+  AddNewPoint(p.E + *distance * std::sin(a), p.N + *distance * std::cos(a), doc.MapType == 1 ? p.H : 0);
 }
 
 void Editor::QueryDistancePick(const PickHit& p) {

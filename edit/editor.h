@@ -189,6 +189,8 @@ class Editor {
   // Adds a new point made by a construction (view follows, mark, AddPoint). False when
   // not made (E or N exactly 0).
   bool AddNewPoint(double E, double N, double H);
+  // "輸入座標": a point typed as E,N or E,N,H becomes a new point.
+  void KeyinCoordinate();
 
   // Entity editing.
   bool EraseP(double E, double N, float x, float y);
@@ -305,6 +307,12 @@ class Editor {
                       const PickedLine* skip = nullptr) const;
   PickHit FirstPick;  // the point of a two-pick command
   PickedLine FirstLine;
+  // The lines (Kind 21) that cross a window, on the screen newest first, then the base map.
+  std::vector<PickedLine> LinesInWindow(double E1, double N1, double E2, double N2) const;
+  // QX2Line shows where two lines in the window cross; QX2LineMark makes a point there.
+  void CrossingInWindow(const std::string& mode, double E1, double N1, double E2, double N2);
+  // SS1: a new point led off the picked one by a typed bearing and distance.
+  void LeadPointPick(const PickHit& p);
   void QueryDistancePick(const PickHit& p);
   void QueryAreaEnd();
 

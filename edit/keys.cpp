@@ -196,7 +196,20 @@ void Editor::Toolbar1Click(const std::string& key) {
     ViewKey(key);
     return;
   }
+  if (key == "輸入座標") {
+    if (doc.IsOpen()) KeyinCoordinate();
+    return;
+  }
+  if (key == "手動引點") {
+    if (!doc.IsOpen()) return;
+    if (Ptr.ActionMode == mode::SS1)
+      EndCommand();
+    else
+      StartCommand(mode::SS1);
+    return;
+  }
   if (key == "輸入角度") {
+    if (!doc.IsOpen()) return;
     if (host.MeasureMode() == "GPS") {
       if (!host.HasGpsFix()) {
         dialogs.MsgBox("請先進入接收資料狀態", "沒有GPS訊號");
@@ -248,7 +261,6 @@ void Editor::StartCommand(const std::string& requested) {
   std::string m = requested;
   if (m == "Labl") m = mode::Label;
   if (m == "Symb") m = mode::Symbol;
-  if (m == mode::PAN) m.clear();  // a plain drag pans
   if (Ptr.LineInProgress) EndChain();
   AreaRingReset(Area);
   for (auto& b : Buffers) b = ShapeBuffer{};

@@ -25,12 +25,18 @@ bool IsConstructionMode(std::string_view m) {
 }
 
 bool IsPluggedMode(std::string_view m) {
-  static constexpr std::array<std::string_view, 28> set{
+  static constexpr std::array<std::string_view, 27> set{
       "MapMoveFree", "MapRotateFree", "MatchRotFixP", "BaseRotFixP",   "MatchRotStep", "MatchSftStep",
       "MapMoveP",    "MapMoveCoordPos", "MapMoveLine", "MapMoveByLine2", "MapMoveBmByP", "BaseMoveBmByP",
       "BaseLine",    "BM_MakeP",      "BM_XLineMakeP", "BMEraseWindow", "FIT",          "FIT2",
-      "PickCoord",   "RESECT_BS",     "STKOUT",        "GPSSTKOUT",     "SS1",          "BasePt",
-      "LD",          "LD_Opt6",       "LD_Opt7",       "LD_Opt8"};
+      "PickCoord",   "RESECT_BS",     "STKOUT",        "GPSSTKOUT",     "BasePt",       "LD",
+      "LD_Opt6",     "LD_Opt7",       "LD_Opt8"};
+  return In(m, set);
+}
+
+bool IsWindowMode(std::string_view m) {
+  static constexpr std::array<std::string_view, 5> set{"EraseWindow", "ZoomW", "BMEraseWindow", "QX2Line",
+                                                       "QX2LineMark"};
   return In(m, set);
 }
 
@@ -59,6 +65,7 @@ std::string PromptOf(std::string_view m) {
   for (const auto& p : prompts)
     if (p.mode == m) return std::string(p.prompt);
   if (m == "QX2Line" || m == "QX2LineMark") return "請點選交點位置";
+  if (m == "SS1") return "請點選引點的起點";
   if (m == "LD" || m == "LD_Opt6" || m == "LD_Opt7" || m == "LD_Opt8") return "請圈選分割土地範圍";
   return "";
 }

@@ -40,6 +40,9 @@ inline const std::string PointProject = "PointProject";
 inline const std::string ZoomW = "ZoomW";
 inline const std::string PAN = "PAN";
 
+// Keyed observations: a point led off a picked point by a typed bearing and distance.
+inline const std::string SS1 = "SS1";
+
 // Modes of other subsystems, handed to the host.
 inline const std::string MapMoveFree = "MapMoveFree";
 inline const std::string MapRotateFree = "MapRotateFree";
@@ -64,12 +67,15 @@ namespace tavik::edit {
 
 // Line, rectangle, circles, arc, notes and symbols.
 bool IsDrawingMode(std::string_view m);
-// NP_MidOf, NP_DevideTo, NP_Extend, NP_PerOf, NP_IntOf, PointProject, QX2Line, QX2LineMark.
+// NP_MidOf, NP_DevideTo, NP_Extend, NP_PerOf, NP_IntOf, PointProject (one or two clicks);
+// QX2Line and QX2LineMark take a window instead.
 bool IsConstructionMode(std::string_view m);
 // A mode whose pointer events belong to a subsystem built elsewhere: whole-map transforms,
-// map matching, base map, station set-up, resection, stake-out, keyed observations, RTK
-// base, land split.
+// map matching, base map, station set-up, resection, stake-out, RTK base, land split.
 bool IsPluggedMode(std::string_view m);
+// A mode that takes a window dragged on the map: EraseWindow, ZoomW, BMEraseWindow,
+// QX2Line, QX2LineMark.
+bool IsWindowMode(std::string_view m);
 // The prompt shown when the mode starts, "" for none.
 std::string PromptOf(std::string_view m);
 

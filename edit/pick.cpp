@@ -163,6 +163,31 @@ int32_t Editor::PickEntityRow(float x, float y, float half, std::initializer_lis
   return -1;
 }
 
+std::vector<Editor::PickedLine> Editor::LinesInWindow(double E1, double N1, double E2, double N2) const {
+  const Box box{std::min(E1, E2), std::min(N1, N2), std::max(E1, E2), std::max(N1, N2)};
+  std::vector<PickedLine> lines;
+  auto take = [&](const auto& r, int32_t row, bool base) {
+    PickedLine l;
+    l.Found = true, l.OnBaseMap = base, l.Row = row, l.Code = r.Code, l.Kind = r.Kind;
+    for (int i = 0; i < 3; ++i) l.X[i] = r.X[i], l.Y[i] = r.Y[i], l.Z[i] = r.Z[i];
+    lines.push_back(l);
+  };
+  const int32_t screenRows = std::min<int32_t>(doc.ScreenEntityCount, static_cast<int32_t>(doc.ScreenEntityTable.size()));
+  for (int32_t i = screenRows - 1; i >= 0; --i) {
+    const Entity& e = doc.ScreenEntityTable[i];
+    const int32_t row = EntityRow(doc, e.Number);
+    if (row < 0 || row >= static_cast<int32_t>(doc.EntityTable.size())) continue;
+    if (e.Kind != KindLine || e.Deleted || doc.EntityTable[row].Deleted) continue;
+    if (RecordHit(e, box)) take(doc.EntityTable[row], row, false);
+  }
+  const int32_t baseRows = std::min<int32_t>(doc.BaseMapCount, static_cast<int32_t>(doc.BaseMapTable.size()));
+  for (int32_t i = 0; i < baseRows; ++i) {
+    const BaseMapLine& b = doc.BaseMapTable[i];
+    if (b.Kind == KindLine && RecordHit(b, box)) take(b, i, true);
+  }
+  return lines;
+}
+
 int32_t Editor::NearestEntityRow(float x, float y) const {
   int32_t best = -1;
   double bestDist = std::numeric_limits<double>::infinity();

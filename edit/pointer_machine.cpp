@@ -83,10 +83,10 @@ void Editor::MouseDown(int button, int shift, float x, float y) {
     host.BeginPan(x, y);
     return;
   }
-  if (!Ptr.LineInProgress && button == LeftButton && (m.empty() || m == mode::MapMoveFree)) {
+  if (!Ptr.LineInProgress && button == LeftButton && (m.empty() || m == mode::PAN || m == mode::MapMoveFree)) {
     Ptr.DragAnchorX = Ptr.DragNowX = x;
     Ptr.DragAnchorY = Ptr.DragNowY = y;
-    if (m.empty()) {
+    if (m != mode::MapMoveFree) {
       Ptr.Panning = true;
       host.SetCursor(Cursor::Pan);
       host.BeginPan(x, y);
@@ -97,7 +97,7 @@ void Editor::MouseDown(int button, int shift, float x, float y) {
     }
     return;
   }
-  if (m == mode::EraseWindow || m == mode::ZoomW || m == mode::BMEraseWindow) {
+  if (IsWindowMode(m)) {
     if (button != LeftButton) return;
     Ptr.Windowing = true;
     Ptr.DragAnchorX = Ptr.DragNowX = x;
@@ -193,6 +193,8 @@ void Editor::MouseUp(int button, int shift, float x, float y) {
         EraseWindowArea(E1, N1, E, N, true);
       else if (a == ui::Answer::No)
         EraseWindowArea(E1, N1, E, N, false);
+    } else if (m == mode::QX2Line || m == mode::QX2LineMark) {
+      CrossingInWindow(m, E1, N1, E, N);
     } else {
       // BMEraseWindow: the base map's own window delete.
       host.Plugged(m, PlugEvent::Press, E1, N1);
@@ -233,7 +235,9 @@ void Editor::SetCursorForMode() {
   const std::string& m = Ptr.ActionMode;
   if (m.empty())
     host.SetCursor(Cursor::Arrow);
-  else if (m == mode::ZoomW || m == mode::EraseWindow || m == mode::BMEraseWindow)
+  else if (m == mode::PAN)
+    host.SetCursor(Cursor::Pan);
+  else if (IsWindowMode(m))
     host.SetCursor(Cursor::Window);
   else if (IsDrawingMode(m))
     host.SetCursor(Cursor::Draw);
@@ -294,6 +298,8 @@ void Editor::PressInMode(int button, double E, double N, float x, float y) {
     }
   } else if (IsConstructionMode(m)) {
     ConstructionPick(m, x, y, E, N);
+  } else if (m == mode::SS1) {
+    LeadPointPick(PickPoint(x, y, 20));
   } else if (m == mode::ChangeAtt || m == mode::PtRename || m == mode::OFFSET) {
     EditPick(m, x, y, E, N);
   } else if (IsPluggedMode(m)) {

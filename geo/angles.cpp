@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/numbers.h"
+#include "core/text.h"
 #include "geo/constants.h"
 
 namespace tavik {
@@ -92,6 +93,19 @@ void DmsToPacked(int16_t degrees, int16_t minutes, double seconds, double& packe
   if (seconds < 10) text += "0";
   text += num::Plain(seconds);
   packed = num::ParseLenient(text);
+}
+
+std::optional<double> ReadPackedAngle(const std::string& t) {
+  const std::string s = text::Trim(t);
+  if (s.empty() || s[0] == '-' || s[0] == '+') return std::nullopt;
+  const std::optional<double> v = num::ParseStrict(s);
+  if (!v || !std::isfinite(*v) || *v < 0) return std::nullopt;
+  const double whole = std::floor(*v);
+  const double seconds = std::fmod(whole, 100) + (*v - whole);
+  const double minutes = std::fmod(std::floor(whole / 100), 100);
+  const double degrees = std::floor(whole / 10000);
+  if (seconds >= 60 || minutes >= 60 || degrees >= 360) return std::nullopt;
+  return *v;
 }
 
 }  // namespace tavik

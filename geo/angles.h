@@ -9,6 +9,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string>
 
 namespace tavik {
 
@@ -24,6 +26,11 @@ void DegreesToDms(double x, int16_t& degrees, int16_t& minutes, double& seconds)
 // Joins the parts as text and reads the text back: 123, 4, 5.25 gives 1230405.25.
 void DmsToPacked(int16_t degrees, int16_t minutes, double seconds, double& packed);
 void PackedToDms(double packed, int16_t& degrees, int16_t& minutes, double& seconds);
+
+// A DDDMMSS text read as a packed angle, as a surveyor keys it from an instrument's
+// display: digits with an optional fraction of a second, minutes and seconds below 60,
+// degrees below 360. nullopt otherwise.
+std::optional<double> ReadPackedAngle(const std::string& text);
 
 // Int(x) into a 16-bit integer, held at the ends of its range instead of overflowing,
 // so that a damaged value gives a wrong angle rather than a fault.

@@ -8,19 +8,6 @@
 
 namespace tavik {
 
-std::optional<double> ReadPackedAngle(const std::string& t) {
-  const std::string s = text::Trim(t);
-  if (s.empty() || s[0] == '-' || s[0] == '+') return std::nullopt;
-  const std::optional<double> v = num::ParseStrict(s);
-  if (!v || !std::isfinite(*v) || *v < 0) return std::nullopt;
-  const double whole = std::floor(*v);
-  const double seconds = std::fmod(whole, 100) + (*v - whole);
-  const double minutes = std::fmod(std::floor(whole / 100), 100);
-  const double degrees = std::floor(whole / 10000);
-  if (seconds >= 60 || minutes >= 60 || degrees >= 360) return std::nullopt;
-  return *v;
-}
-
 std::optional<KeyedError> KeyinObservation(InstrumentState& inst, const std::string& hzText,
                                            const std::string& vText, const std::string& slopeText) {
   const std::optional<double> hz = ReadPackedAngle(hzText);

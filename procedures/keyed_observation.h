@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "geo/angles.h"
 #include "instruments/instrument_state.h"
 
 namespace tavik {
@@ -19,9 +20,5 @@ struct KeyedError {
 // and ObsSlope. On a refusal nothing is changed and the message says which field.
 std::optional<KeyedError> KeyinObservation(InstrumentState& inst, const std::string& hzText,
                                            const std::string& vText, const std::string& slopeText);
-
-// A DDDMMSS text read as a packed angle: digits with an optional fraction of a second,
-// minutes and seconds below 60, degrees below 360. nullopt otherwise.
-std::optional<double> ReadPackedAngle(const std::string& text);
 
 }  // namespace tavik

@@ -178,6 +178,21 @@ class EditWindowTest : public QObject {
     QCOMPARE(dialogs.Messages().back(), std::string("目前圖例不能畫線"));
     QVERIFY(!w.Toolbar2()->findChild<QAction*>("Line")->isChecked());
     QVERIFY(w.Toolbar2()->findChild<QAction*>("RECT")->isChecked());
+    QTest::keyClick(paper, Qt::Key_Escape);  // ends it, and the button is up again
+    QVERIFY(!w.Toolbar2()->findChild<QAction*>("RECT")->isChecked());
+
+    // The keyed angle asks the window for the measure mode of the settings: in GPS mode
+    // it needs a fix, which no receiver gives yet.
+    p.app.ini.MeasureMode = "GPS";
+    w.Toolbar1()->findChild<QAction*>("輸入角度")->trigger();
+    QCOMPARE(dialogs.Messages().back(), std::string("請先進入接收資料狀態"));
+    p.app.ini.MeasureMode = "TS";
+    w.Toolbar1()->findChild<QAction*>("輸入角度")->trigger();
+    QCOMPARE(dialogs.Messages().back(), std::string("請先擺站"));
+    // The notes by menu check the legend as their buttons do.
+    p.app.doc.CurrentLegend = 407;
+    p.frm.findChild<QAction*>("MainMnuSymb")->trigger();
+    QCOMPARE(dialogs.Messages().back(), std::string("目前圖例不能做[實物註記]"));
 
     p.frm.RedrawPaper();
     if (qEnvironmentVariableIsSet("TAVIK_SCREENSHOT2"))

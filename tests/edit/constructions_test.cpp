@@ -148,6 +148,71 @@ TEST_F(Constructions, IntersectionExtensionAndProjection) {
   ExpectAt(doc.PointTable[2], 1021, 2000, 1e-3);
 }
 
+TEST_F(Constructions, CrossingOfTwoLinesInAWindow) {
+  Line(1000, 2000, 10, 1010, 2010, 20);
+  Line(1000, 2010, 30, 1010, 2000, 30);  // the newest line in the window gives the height
+  Line(1020, 2000, 0, 1020, 2010, 0);    // crosses the first only far outside the window
+  auto window = [&](double E1, double N1, double E2, double N2) {
+    ed.MouseDownAt(LeftButton, E1, N1);
+    ed.MouseMoveAt(LeftButton, E2, N2);
+    ed.MouseUpAt(LeftButton, E2, N2);
+  };
+  ed.StartCommand(mode::QX2Line);
+  EXPECT_EQ(host.prompts.back(), "請點選交點位置");
+  window(1001, 2001, 1003, 2004);  // one line only: nothing, the command waits
+  EXPECT_EQ(ed.Ptr.ActionMode, mode::QX2Line);
+  window(1004, 2004, 1006, 2006);
+  EXPECT_EQ(Messages(), std::vector<std::string>{"E: 1005.000\r\nN: 2005.000"});
+  EXPECT_EQ(doc.PointCount, 0);  // an inquiry stores nothing
+  EXPECT_EQ(ed.Ptr.ActionMode, "");
+
+  ed.StartCommand(mode::QX2LineMark);
+  window(1006, 2006, 1004, 2004);  // dragged either way
+  ASSERT_EQ(doc.PointCount, 1);
+  ExpectAt(doc.PointTable[0], 1005, 2005);
+  EXPECT_EQ(doc.PointTable[0].H, 30);
+}
+
+TEST_F(Constructions, KeyedCoordinatesAndALeadPoint) {
+  struct Case {
+    std::optional<std::string> answer;
+    int points;
+    const char* message;
+  };
+  const Case keyed[] = {{std::nullopt, 0, nullptr},      {" ", 0, nullptr},
+                        {"1005.5, 2003.25, 12", 1, nullptr}, {"1006,2004", 1, nullptr},
+                        {"1006;2004", 0, "座標格式不正確: 1006;2004"}, {"1,2,3,4", 0, "座標格式不正確: 1,2,3,4"},
+                        {"1006,", 0, "座標格式不正確: 1006,"}};
+  for (const auto& c : keyed) {
+    SCOPED_TRACE(c.answer.value_or("(cancel)"));
+    const auto before = doc.PointCount;
+    dialogs.shown.clear();
+    dialogs.inputs = {c.answer};
+    ed.Toolbar1Click("輸入座標");
+    EXPECT_EQ(doc.PointCount, before + c.points);
+    EXPECT_EQ(Messages(), c.message ? std::vector<std::string>{c.message} : std::vector<std::string>{});
+  }
+  ExpectAt(doc.PointTable[0], 1005.5, 2003.25);
+  EXPECT_EQ(doc.PointTable[0].H, 12);
+  EXPECT_EQ(doc.PointTable[1].H, 0);
+
+  // 手動引點: a picked point, then bearing and distance; a bad answer is asked again.
+  dialogs.shown.clear();
+  ed.Toolbar1Click("手動引點");
+  EXPECT_EQ(host.prompts.back(), "請點選引點的起點");
+  dialogs.inputs = {"1234567,5"};
+  Click(1005.5, 2003.25);
+  EXPECT_EQ(doc.PointCount, 2);
+  EXPECT_EQ(ed.Ptr.ActionMode, mode::SS1);
+  dialogs.inputs = {"900000, 10"};
+  Click(1005.5, 2003.25);
+  ASSERT_EQ(doc.PointCount, 3);
+  ExpectAt(doc.PointTable[2], 1015.5, 2003.25, 1e-9);
+  EXPECT_EQ(doc.PointTable[2].H, 12);  // the height of the point it was led from
+  EXPECT_EQ(ed.Ptr.ActionMode, "");
+  EXPECT_EQ(Messages().size(), 1u);
+}
+
 TEST_F(Constructions, NoPointAtZeroAndTheViewFollowsANewPoint) {
   EXPECT_FALSE(ed.AddNewPoint(0, 2000, 0) || ed.AddNewPoint(1000, 0, 0));
   EXPECT_EQ(doc.PointCount, 0);

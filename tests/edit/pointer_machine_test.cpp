@@ -127,6 +127,14 @@ TEST_F(Machine, EscOrASecondPressEndsTheCommand) {
        esc},
       {"the window command, by its button", [&] { ed.Toolbar1Click("ZW"); }, [&] { ed.Toolbar1Click("ZW"); }},
       {"a perpendicular after its point", [&] { ed.StartCommand(mode::NP_PerOf), Click(1000, 2000); }, esc},
+      {"the pan of the menu, after a drag",
+       [&] {
+         ed.StartCommand(mode::PAN);
+         ed.MouseDownAt(LeftButton, 1000, 2000), ed.MouseUpAt(LeftButton, 1000, 2000);
+         EXPECT_EQ(host.Count("EndPan"), 1);  // a plain drag pans, and the mode stays
+       },
+       esc},
+      {"a lead point, by its button", [&] { ed.Toolbar1Click("手動引點"); }, [&] { ed.Toolbar1Click("手動引點"); }},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
