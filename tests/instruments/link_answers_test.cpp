@@ -2,10 +2,10 @@
 // at every byte boundary, and must come out the same.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <string>
 #include <vector>
 
+#include "core/temp_home.h"
 #include "link_test_support.h"
 
 namespace tavik::test {
@@ -237,22 +237,17 @@ TEST(LinkAnswers, StakeOutTakesTheSetLines) {
 
 TEST(LinkAnswers, DownloadTakesTheSetChannel) {
   LinkRig rig;
-  char folder[] = "/tmp/tavik-download-XXXXXX";
-  ASSERT_NE(mkdtemp(folder), nullptr);
+  testing::TempHome folder;
   bool converted = false;
   rig.link.download.Active = true;
-  rig.link.download.Folder = folder;
+  rig.link.download.Folder = folder.path.string();
   rig.link.download.StartConversion = [&] { converted = true; };
   rig.set.open = true;
   rig.set.Receive("old\x02" "0012345 0900000 1234512\r\nline 2\r\n\x03");
   EXPECT_EQ(rig.link.download.Label1, "下載完畢.");
   EXPECT_TRUE(converted);
   EXPECT_TRUE(rig.delivered.empty());
-  std::string path = std::string(folder) + "/$SOK.OBS";
-  std::ifstream f(path, std::ios::binary);
-  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(f), {}), "0012345 0900000 1234512\r\nline 2\r\n");
-  std::remove(path.c_str());
-  rmdir(folder);
+  EXPECT_EQ(testing::ReadBytes(folder.path / "$SOK.OBS"), "0012345 0900000 1234512\r\nline 2\r\n");
 }
 
 }  // namespace

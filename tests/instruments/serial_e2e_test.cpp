@@ -4,20 +4,14 @@
 // rounding; a cable pulled in the middle of an answer must close the port cleanly.
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
 #include <cmath>
-#include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "instruments/inst_options.h"
 #include "instruments/link.h"
+#include "instruments/sim_process.h"
 #include "platform/qt/serial_port.h"
 #include "platform/scripted/scripted.h"
 
@@ -25,22 +19,6 @@ namespace tavik::test {
 namespace {
 
 constexpr double kPi = 3.14159265358979;
-
-QCoreApplication& App() {
-  static int argc = 1;
-  static char name[] = "instruments_e2e_tests";
-  static char* argv[] = {name, nullptr};
-  static QCoreApplication app(argc, argv);
-  return app;
-}
-
-bool SpinUntil(const std::function<bool()>& done, int ms = 5000) {
-  App();
-  QElapsedTimer clock;
-  clock.start();
-  while (!done() && clock.elapsed() < ms) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-  return done();
-}
 
 // Station (1000, 2000, 50), instrument height 1.5, circle zero at azimuth 30 degrees.
 const char* kScene =
@@ -51,36 +29,6 @@ const char* kScene =
 struct Point { double e, n, h, height; };
 const Point kTargets[] = {{1063.214, 2087.512, 53.871, 1.6}, {912.5, 1971.25, 47.02, 1.2}};
 
-class Sim {
- public:
-  Sim(const std::string& family, const QStringList& extra = {}) : process_((App(), nullptr)) {
-    scene_.reset(new QTemporaryDir);
-    QString scenePath = scene_->filePath("scene.txt");
-    QFile f(scenePath);
-    if (f.open(QIODevice::WriteOnly)) f.write(kScene);
-    f.close();
-    QStringList args = {"--family", QString::fromStdString(family), "--scene", scenePath, "--hold"};
-    process_.start(TAVIK_BIN_DIR "/tools/sim/tavik-sim", args + extra);
-    process_.waitForStarted(5000);
-    SpinUntil([&] { return process_.canReadLine() || process_.state() == QProcess::NotRunning; }, 5000);
-    path = process_.readLine().trimmed().toStdString();
-  }
-  ~Sim() {
-    process_.kill();
-    process_.waitForFinished(2000);
-  }
-  void Command(const char* line) {
-    process_.write(line);
-    process_.waitForBytesWritten(1000);
-  }
-  bool Running() const { return process_.state() == QProcess::Running; }
-  std::string path;
-
- private:
-  std::unique_ptr<QTemporaryDir> scene_;
-  QProcess process_;
-};
-
 struct Rig {
   InstrumentState state;
   ui::ScriptedDialogs dialogs;
@@ -90,7 +38,6 @@ struct Rig {
   int delivered = 0;
 
   explicit Rig(const std::string& device) {
-    App();
     setenv("TAVIK_COM7", device.c_str(), 1);
     state.PortNumber = 7;
     link.MSComm_SET = &set;
@@ -123,18 +70,17 @@ TEST(SerialEndToEnd, EveryFamilyMeasuresTheScene) {
   };
   for (const FamilyCase& c : cases) {
     SCOPED_TRACE(c.kind);
-    Sim sim(c.simFamily);
+    Sim sim(c.simFamily, kScene);
     ASSERT_FALSE(sim.path.empty());
     Rig rig(sim.path);
     rig.state.InstrumentKind = c.kind;
     for (int shot = 0; shot < 2; ++shot) {
       rig.state.AwaitPointShot = -1;
-      sim.Command(shot == 0 ? "target 0\n" : "target 1\n");
-      SpinUntil([] { return false; }, 50);  // let the simulator take the command
+      sim.Command(shot == 0 ? "target 0" : "target 1");
       rig.link.StartShot();
       if (std::string(c.kind) == "Trimble3600") {
         ASSERT_TRUE(rig.top.PortOpen());
-        sim.Command("fire\n");
+        sim.Command("fire");
       }
       ASSERT_TRUE(SpinUntil([&] { return rig.delivered == shot + 1; })) << rig.link.picture.OBSBox;
       const Point& t = kTargets[shot];
@@ -164,8 +110,8 @@ TEST(SerialEndToEnd, MisbehavingInstrumentThenAGoodAnswer) {
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.kind) + " " + c.fault);
     QTemporaryDir dir;
-    QString record = dir.filePath("received.bin");
-    Sim sim(c.family, {"--fault", c.fault, "--record", record});
+    const QString record = dir.filePath("received.bin");
+    Sim sim(c.family, kScene, {"--fault", c.fault, "--record", record});
     Rig rig(sim.path);
     rig.state.InstrumentKind = c.kind;
     rig.state.AwaitPointShot = -1;
@@ -207,7 +153,7 @@ TEST(SerialEndToEnd, MisbehavingInstrumentThenAGoodAnswer) {
 }
 
 TEST(SerialEndToEnd, PulledCableMidAnswerClosesThePort) {
-  Sim sim("SET", {"--fault", "disconnect"});
+  Sim sim("SET", kScene, {"--fault", "disconnect"});
   Rig rig(sim.path);
   int closed = 0;
   rig.set.OnClosed = [&] { ++closed; };
@@ -227,7 +173,7 @@ TEST(SerialEndToEnd, IdentificationOfSokkiaAndLeica) {
   struct Case { const char* simFamily; bool leica; const char* kind; };
   for (const Case& c : {Case{"SET", false, "SET3110MV"}, Case{"Leica", true, "TCA1100L"}}) {
     SCOPED_TRACE(c.kind);
-    Sim sim(c.simFamily, {"--model", c.kind, "--serial", "778899"});
+    Sim sim(c.simFamily, kScene, {"--model", c.kind, "--serial", "778899"});
     Rig rig(sim.path);
     struct : InstOptionsHost {
       void ShowMeasureMode(const std::string&) override {}

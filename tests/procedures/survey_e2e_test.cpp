@@ -4,16 +4,12 @@
 // the scene. And a resection whose first shot comes back in face two.
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QProcess>
-#include <QTemporaryDir>
 #include <cstdio>
-#include <functional>
 
 #include "core/docfile.h"
 #include "core/numbers.h"
 #include "instruments/link.h"
+#include "instruments/sim_process.h"
 #include "platform/qt/serial_port.h"
 #include "procedures/fit_dialog.h"
 #include "procedures/observation_pipeline.h"
@@ -22,22 +18,6 @@
 
 namespace tavik {
 namespace {
-
-QCoreApplication& QtApp() {
-  static int argc = 1;
-  static char name[] = "procedures_e2e_tests";
-  static char* argv[] = {name, nullptr};
-  static QCoreApplication app(argc, argv);
-  return app;
-}
-
-bool SpinUntil(const std::function<bool()>& done, int ms = 5000) {
-  QtApp();
-  QElapsedTimer clock;
-  clock.start();
-  while (!done() && clock.elapsed() < ms) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-  return done();
-}
 
 struct Prism {
   const char* name;
@@ -51,35 +31,19 @@ const Prism kPrisms[] = {
     {"T9", 1031.5, 1880.8, 49.1, 1.5},  {"T10", 940.06, 1899.99, 51.75, 1.5},
 };
 
-class Sim {
- public:
-  explicit Sim(const char* family, QStringList extra = {}) {
-    QtApp();
-    const QString scenePath = dir_.filePath("scene.txt");
-    FILE* f = std::fopen(scenePath.toStdString().c_str(), "w");
-    std::fputs("station 1000 2000 50 1.5\norientation 30\n", f);
-    for (const Prism& p : kPrisms) std::fprintf(f, "target %s %.3f %.3f %.3f %.3f\n", p.name, p.E, p.N, p.H, p.height);
-    std::fclose(f);
-    process_.start(TAVIK_BIN_DIR "/tools/sim/tavik-sim", QStringList{"--family", family, "--scene", scenePath, "--hold"} + extra);
-    process_.waitForStarted(5000);
-    SpinUntil([&] { return process_.canReadLine() || process_.state() == QProcess::NotRunning; });
-    path = process_.readLine().trimmed().toStdString();
-  }
-  ~Sim() {
-    process_.kill();
-    process_.waitForFinished(2000);
-  }
-  void Target(int n) {
-    process_.write(("target " + std::to_string(n) + "\n").c_str());
-    process_.waitForBytesWritten(1000);
-    SpinUntil([] { return false; }, 50);
-  }
-  std::string path;
+using test::Sim;
+using test::SpinUntil;
 
- private:
-  QTemporaryDir dir_;
-  QProcess process_;
-};
+// The scene of the prisms from a station at (1000, 2000, 50), circle zero at 30 degrees.
+std::string Scene() {
+  std::string scene = "station 1000 2000 50 1.5\norientation 30\n";
+  char line[96];
+  for (const Prism& p : kPrisms) {
+    std::snprintf(line, sizeof line, "target %s %.3f %.3f %.3f %.3f\n", p.name, p.E, p.N, p.H, p.height);
+    scene += line;
+  }
+  return scene;
+}
 
 struct SurveyEndToEnd : testing::SurveyFixture {
   ui::MemorySettingsStore settings;
@@ -99,7 +63,7 @@ struct SurveyEndToEnd : testing::SurveyFixture {
   }
 
   void Run(const char* family, const char* kind) {
-    Sim sim(family);
+    Sim sim(family, Scene());
     ASSERT_FALSE(sim.path.empty());
     Connect(sim.path, kind);
     AddControl("K1", 1000, 2000, 50);
@@ -111,13 +75,13 @@ struct SurveyEndToEnd : testing::SurveyFixture {
     ASSERT_TRUE(fit.ChooseBacksight("B1"));
     fit.Text4 = "1.5";
     fit.Text3 = "1.5";
-    sim.Target(0);
+    sim.Command("target 0");
     fit.Command3();
     ASSERT_TRUE(SpinUntil([&] { return inst.AwaitFitShot == kFalse; })) << tsLink.picture.OBSBox;
     ASSERT_TRUE(fit.OKButton());
 
     for (int i = 1; i <= 10; ++i) {
-      sim.Target(i);
+      sim.Command("target " + std::to_string(i));
       dialogs.inputs.push_back(num::Plain(kPrisms[i].height));
       const int32_t before = doc.PointCount;
       RecButton(ctx);
@@ -152,7 +116,7 @@ struct SurveyEndToEnd : testing::SurveyFixture {
 // It is refused with the reminder and the distance message, the point is observed
 // again, and the station and its orientation come out as the scene has them.
 TEST_F(SurveyEndToEnd, ResectionRefusesTheFaceTwoShot) {
-  Sim sim("SET", {"--fault", "face2@1"});
+  Sim sim("SET", Scene(), {"--fault", "face2@1"});
   ASSERT_FALSE(sim.path.empty());
   Connect(sim.path, "SET30R");
   AddControl("T1", kPrisms[1].E, kPrisms[1].N, kPrisms[1].H);
@@ -164,7 +128,7 @@ TEST_F(SurveyEndToEnd, ResectionRefusesTheFaceTwoShot) {
   dlg.StationNameText = "R1";
   dlg.InstrumentHeightText = "1.5";
   dlg.TargetText[0] = dlg.TargetText[1] = "1.5";
-  sim.Target(1);
+  sim.Command("target 1");
   dlg.Measure(0);
   ASSERT_TRUE(SpinUntil([&] { return dialogs.shown.size() == 2; }));
   EXPECT_EQ(dialogs.shown[0].title, "倒鏡提示");
@@ -172,7 +136,7 @@ TEST_F(SurveyEndToEnd, ResectionRefusesTheFaceTwoShot) {
   EXPECT_EQ(dlg.StatusLabel[0], "");
   dlg.Measure(0);
   ASSERT_TRUE(SpinUntil([&] { return dlg.StatusLabel[0] == "OK"; }));
-  sim.Target(0);
+  sim.Command("target 0");
   dlg.Measure(1);
   ASSERT_TRUE(SpinUntil([&] { return dlg.StatusLabel[1] == "OK"; }));
   dlg.Solve();
