@@ -212,13 +212,5 @@ TEST(InstOptions, PowerAndRotation) {
   EXPECT_FALSE(rig.timer1.enabled);
 }
 
-TEST(InstOptions, HelpText) {
-  OptionsRig rig;
-  rig.dlg.Command2Click();
-  ASSERT_EQ(rig.dialogs.shown.size(), 1u);
-  EXPECT_EQ(rig.dialogs.shown[0].text,
-            "地形圖(3D測量),測站需要輸入儀器高,測點需要輸入覘標高.\r\n平面圖(2D測量,沒有Z值),不需儀器高及覘標高.");
-}
-
 }  // namespace
 }  // namespace tavik::test

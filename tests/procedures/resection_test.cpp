@@ -89,12 +89,6 @@ TEST(Resection, DegenerateCases) {
   b.E = a.E;
   b.N = a.N;
   EXPECT_EQ(SolveResection(a, b, 2, 0).outcome, ResectResult::Outcome::SameSpot);
-  // Both points without height keep the station at 0.
-  a = Observe("P1", 1000, 2000, 0, 1.3);
-  b = Observe("P2", 1080, 2010, 0, 1.6);
-  const ResectResult r = SolveResection(a, b, 1, kIH);
-  EXPECT_TRUE(r.BothHeightsZero);
-  EXPECT_EQ(r.StationH, 0);
 }
 
 std::string SetAnswerFor(const ResectSlot& s) {
@@ -118,6 +112,19 @@ struct ResectDialog : testing::SurveyFixture {
     AddControl("P2", 1080, 2010, 51);
     AddControl("P3", 1000.05, 2000.01, 50);
   }
+  // Both points chosen, the heights typed and both observed as the instrument would.
+  void MeasureBoth(ResectDlgLogic& dlg, const char* first, const char* second, double h1, double h2) {
+    ASSERT_TRUE(dlg.Choose(0, first));
+    ASSERT_TRUE(dlg.Choose(1, second));
+    dlg.StationNameText = "R1";
+    dlg.InstrumentHeightText = "1.45";
+    dlg.TargetText[0] = "1.3";
+    dlg.TargetText[1] = "1.6";
+    dlg.Measure(0);
+    port.Receive(SetAnswerFor(Observe(first, 1000, 2000, h1, 1.3)));
+    dlg.Measure(1);
+    port.Receive(SetAnswerFor(Observe(second, 1080, 2010, h2, 1.6)));
+  }
 };
 
 TEST_F(ResectDialog, MeasureSolveAndStore) {
@@ -129,16 +136,9 @@ TEST_F(ResectDialog, MeasureSolveAndStore) {
   ASSERT_TRUE(dlg.Choose(1, "P2"));
   dlg.Solve();
   EXPECT_EQ(dialogs.Messages().back(), "缺第一點觀測資料");
-  dlg.StationNameText = "R1";
-  dlg.InstrumentHeightText = "1.45";
-  dlg.TargetText[0] = "1.3";
-  dlg.TargetText[1] = "1.6";
-  dlg.Measure(0);
-  EXPECT_EQ(port.written, std::string("Xc\r\n\x11\r\n"));
-  port.Receive(SetAnswerFor(Observe("P1", 1000, 2000, 50, 1.3)));
+  MeasureBoth(dlg, "P1", "P2", 50, 51);
+  EXPECT_EQ(port.written.substr(0, 6), std::string("Xc\r\n\x11\r\n", 6));
   EXPECT_EQ(dlg.StatusLabel[0], "OK");
-  dlg.Measure(1);
-  port.Receive(SetAnswerFor(Observe("P2", 1080, 2010, 51, 1.6)));
   EXPECT_EQ(dlg.StatusLabel[1], "OK");
   dlg.Solve();
   ASSERT_TRUE(dlg.OKEnabled);
@@ -218,6 +218,20 @@ TEST_F(ResectDialog, KeyedObservationsAreRefusedAndCloseControlPointsWarned) {
   EXPECT_EQ(dialogs.shown.back().text, "兩點距離有問題!");
   EXPECT_FALSE(dlg.OKButton());
   EXPECT_EQ(doc.StationSet, kFalse);
+}
+
+TEST_F(ResectDialog, BackPointsWithoutHeightGiveAStationAtZero) {
+  inst.InstrumentKind = "SET30R";
+  AddControl("Q1", 1000, 2000, 0);
+  AddControl("Q2", 1080, 2010, 0);
+  ResectDlgLogic dlg(ctx, &port);
+  MeasureBoth(dlg, "Q1", "Q2", 0, 0);
+  EXPECT_EQ(dialogs.Messages()[0], "提示:Q1沒有高程值");
+  EXPECT_EQ(dlg.HeightNote[1], "的高程為0");
+  dlg.Solve();
+  EXPECT_EQ(dialogs.shown.back().title, "高程有問題");
+  ASSERT_TRUE(dlg.OKButton());
+  EXPECT_EQ(doc.StationH, 0);
 }
 
 TEST_F(ResectDialog, FailedSolveLeavesNoStation) {
