@@ -405,6 +405,7 @@ void MainFrm::RedrawPaper() {
   else
     paper_->Surface().Clear(tavik::ui::MakeRgb(255, 255, 255));
   paper_->update();
+  if (handlers.ShowCounts) handlers.ShowCounts();
 }
 
 void MainFrm::ShowInstrumentFrame() { instFrame_->show(); }

@@ -83,55 +83,6 @@ class MainFrmTest : public QObject {
     QCOMPARE(p.frm.PanelText(1), QString("1 :200"));
   }
 
-  void newDocumentThroughTheMenu() {
-    tavik::testing::TempHome home;
-    tavik::ui::ScriptedDialogs dialogs;
-    Program p(tavik::AppPaths{home.path}, &dialogs);
-    p.app.paths.EnsureFolders();
-    p.frm.resize(1000, 700);
-    p.frm.show();
-    p.Start();
-    const std::string name = (p.app.paths.WorkFolder() / "甲地").string();
-    dialogs.files = {name + ".SPC"};
-    p.frm.Command("MainMnuNew")->trigger();
-    QCOMPARE(p.frm.windowTitle(), QString::fromStdString("TAVIK - " + name + ".SPC"));
-    QVERIFY(p.frm.Command("MainMnuSave")->isEnabled());
-    QVERIFY(p.frm.Menu("MainMnuMete")->menuAction()->isEnabled());
-    QVERIFY(!p.frm.Command("BMRemove")->isEnabled());
-    QCOMPARE(p.frm.PanelText(1), QString("1 :100"));
-    QCOMPARE(p.frm.PanelText(4), QString("測點 0"));
-    QCOMPARE(p.frm.PanelText(5), QString("圖元 0"));
-    QCOMPARE(p.frm.PanelText(6), QString("螢幕點 0"));
-    QCOMPARE(p.frm.PanelText(7), QString("螢幕圖 0"));
-    QCOMPARE(p.frm.PanelText(10), QString("底圖數目: 0"));
-    QCOMPARE(p.frm.LabelText("MAPtype"), QString("地形圖"));
-    QAction* first = p.frm.Command("mnuFileItem(1)");
-    QVERIFY(first->isVisible());
-    QCOMPARE(first->text(), QString::fromStdString("&1 " + name));
-
-    // A point at the centre, saved through the menu: the reload rebuilds the screen
-    // tables from the window's own view.
-    QVERIFY(tavik::AddPoint(p.app.doc, p.app.view, p.app.work, 280850, 2752650, 5));
-    p.app.doc.MapChanged = tavik::kTrue;
-    p.frm.Command("MainMnuSave")->trigger();
-    QCOMPARE(p.frm.LabelText("OBSBox"), QString("幾秒前已經存檔"));
-    QCOMPARE(p.frm.PanelText(4), QString("測點 1"));
-    QCOMPARE(p.frm.PanelText(6), QString("螢幕點 1"));
-
-    // A change, then the window's close: Cancel keeps the program and its journal.
-    QVERIFY(tavik::AddPoint(p.app.doc, p.app.view, p.app.work, 281000, 2752000, 5));
-    p.app.doc.MapChanged = tavik::kTrue;
-    dialogs.answers = {tavik::ui::Answer::Cancel};
-    QVERIFY(!p.frm.close());
-    QVERIFY(p.frm.isVisible());
-    QVERIFY(fs::exists(p.app.paths.TempP0()));
-    // Yes saves, and the window may go.
-    dialogs.answers = {tavik::ui::Answer::Yes};
-    QVERIFY(p.frm.close());
-    QVERIFY(fs::exists(name + ".SPC"));
-    QVERIFY(!fs::exists(p.app.paths.TempP0()));
-  }
-
   void panelsFollowTheDocumentAndItsMode() {
     tavik::testing::TempHome home;
     tavik::ui::ScriptedDialogs dialogs;
@@ -150,6 +101,10 @@ class MainFrmTest : public QObject {
     QTRY_COMPARE(p.frm.LabelText("Label42"), QString("1"));
     QCOMPARE(p.frm.PanelText(5), QString("圖元 1"));
     QCOMPARE(p.frm.PanelText(7), QString("螢幕圖 1"));
+    // So does the scale when a set-up fits the view to its points.
+    p.survey->panel()->FitViewTo(280800, 2752600, 281000, 2752700, 1.2);
+    QVERIFY(p.app.doc.ScaleDenominator > 100);
+    QCOMPARE(p.frm.PanelText(1), QString("1 :%1").arg(static_cast<long long>(p.app.doc.ScaleDenominator)));
 
     // The prompt and the pointer's readout hide neither the scale nor the counts.
     p.frm.SetPrompt("請點選第一點");
