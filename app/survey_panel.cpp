@@ -132,7 +132,15 @@ void SurveyPanel::Overlays() {
   }
 }
 
-void SurveyPanel::DrawPointMark(int32_t, double, double) { RedrawAll(); }
+// A new mark or symbol is drawn by painting the map again. The full repaint stops the
+// blink of the last point, which a mark alone would not: it goes on afterwards.
+void SurveyPanel::RepaintKeepingBlink() {
+  const bool blinking = timer3_.isActive();
+  RedrawAll();
+  if (blinking) timer3_.start();
+}
+
+void SurveyPanel::DrawPointMark(int32_t, double, double) { RepaintKeepingBlink(); }
 
 void SurveyPanel::DrawHeightText(double E, double N, const std::string& text) {
   float x = 0, y = 0;
@@ -141,7 +149,7 @@ void SurveyPanel::DrawHeightText(double E, double N, const std::string& text) {
   frm_.Paper1()->update();
 }
 
-void SurveyPanel::DrawSymbol(int16_t, double, double, double, const std::string&) { RedrawAll(); }
+void SurveyPanel::DrawSymbol(int16_t, double, double, double, const std::string&) { RepaintKeepingBlink(); }
 
 void SurveyPanel::DrawStationMark(double E, double N) {
   stationShown_ = true;

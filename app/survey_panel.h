@@ -68,6 +68,7 @@ class SurveyPanel : public QDockWidget, public tavik::SurveyWindow {
   bool ToPixel(double E, double N, float& x, float& y) const;
   void BlinkTick();
   void Overlays();
+  void RepaintKeepingBlink();
 
   MainFrm& frm_;
   tavik::App& app_;

@@ -1,8 +1,9 @@
 // The first morning in the field on the real window, offscreen, against tavik-sim on a
-// pseudo-terminal: a fresh user's settings, a new document in the default work folder, a
-// set-up on two known points, shots by the record button and by the space bar, a line
-// drawn by pen, Esc, Save, Close, and the document opened again from the recent list and
-// from the dialog. The window's counts are checked at each step.
+// pseudo-terminal: a fresh user's folders and settings, the instrument chosen and brought
+// back by a restart, a new document in the default work folder, a set-up on two known points, shots
+// by the record button and by the space bar, a line drawn by pen, Esc, the wheel, Save,
+// Close, and the document opened again from the recent list and from the dialog. The
+// window's counts are checked at each step.
 #include <QAction>
 #include <QComboBox>
 #include <QLineEdit>
@@ -128,17 +129,31 @@ class FirstMorningTest : public QObject {
  private slots:
   void firstMorning() {
     tavik::testing::TempHome home;
-    // A fresh user: the home folder is the test's, so nothing lands in the real one.
-    struct HomeFor {
-      explicit HomeFor(const fs::path& h) : real(qgetenv("HOME")) {
-        fs::create_directories(h);
-        qputenv("HOME", QByteArray::fromStdString(h.string()));
+    // A fresh user with the default folders, in a home of the test's own, so nothing
+    // lands in the real one.
+    struct Env {
+      Env(const char* n, const QByteArray& value) : name(n), had(qEnvironmentVariableIsSet(n)), real(qgetenv(n)) {
+        if (value.isNull())
+          qunsetenv(name);
+        else
+          qputenv(name, value);
       }
-      ~HomeFor() { qputenv("HOME", real); }
+      ~Env() {
+        if (had)
+          qputenv(name, real);
+        else
+          qunsetenv(name);
+      }
+      const char* name;
+      bool had;
       QByteArray real;
-    } user(home.path / "user");
-    const auto paths = tavik::AppPaths{home.path / "data"};
-    paths.EnsureFolders();
+    };
+    fs::create_directories(home.path / "user");
+    Env user("HOME", QByteArray::fromStdString((home.path / "user").string())), data("TAVIK_HOME", QByteArray()),
+        xdg("XDG_DATA_HOME", QByteArray());
+    const tavik::AppPaths paths = tavik::AppPaths::FromEnvironment();
+    QVERIFY(paths.EnsureFolders());
+    QCOMPARE(paths.WorkFolder(), home.path / "user" / "TAVIK" / "工作目錄");
     Sim sim;
     QVERIFY(!sim.path.empty());
     qputenv("TAVIK_COM7", QByteArray::fromStdString(sim.path));
@@ -154,7 +169,8 @@ class FirstMorningTest : public QObject {
     Window win(paths);
     Program& p = win.p;
     tavik::ui::ScriptedDialogs& dialogs = win.dialogs;
-    p.instruments.inst.PortNumber = 7;
+    QCOMPARE(p.instruments.inst.PortNumber, int16_t(7));
+    QCOMPARE(p.instruments.inst.InstrumentKind, std::string("SET30R"));
 
     // New in the default work folder.
     const std::string name = (p.app.paths.WorkFolder() / "晨測").string();
@@ -221,6 +237,14 @@ class FirstMorningTest : public QObject {
     QVERIFY(p.frm.PanelText(2).startsWith("E "));
     QVERIFY(p.frm.PanelText(1).startsWith("1 :"));
 
+    // The wheel zooms about the pointer.
+    const double scale = p.app.doc.ScaleDenominator;
+    const QPoint at = win.At(280851, 2752651);
+    QWheelEvent wheel(at, win.Paper()->mapToGlobal(at), QPoint(), QPoint(0, 120), Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(win.Paper(), &wheel);
+    QVERIFY(p.app.doc.ScaleDenominator < scale);
+    QCOMPARE(win.Counts(), win.Expected());
 
     // Save, Close, and back from the recent list and from the dialog.
     QTest::keyClick(win.Paper(), Qt::Key_F2);  // the quick save

@@ -208,28 +208,6 @@ class MainFrmTest : public QObject {
     p.frm.Command("mnuFileClear")->trigger();
     QVERIFY(!p.frm.Command("mnuFileItem(1)")->isVisible());
   }
-
-  void fineStepsComeBackFromSoftwareIni() {
-    tavik::testing::TempHome home;
-    const tavik::AppPaths paths{home.path};
-    paths.EnsureFolders();
-    {
-      tavik::ui::ScriptedDialogs dialogs;
-      Program p(paths, &dialogs);
-      p.Start();
-      QCOMPARE(p.frm.Combo1()->count(), 11);
-      QCOMPARE(p.frm.Combo2()->count(), 12);
-      QCOMPARE(p.frm.Combo1()->currentText(), QString("1cm"));
-      p.frm.Combo1()->setCurrentText("25cm");
-      p.frm.Combo2()->setCurrentText("10度");
-      QVERIFY(p.frm.close());
-    }
-    tavik::ui::ScriptedDialogs dialogs;
-    Program p(paths, &dialogs);
-    p.Start();
-    QCOMPARE(p.frm.Combo1()->currentText(), QString("25cm"));
-    QCOMPARE(p.frm.Combo2()->currentText(), QString("10度"));
-  }
 };
 
 QTEST_MAIN(MainFrmTest)
