@@ -181,12 +181,11 @@ void EditWiring::BuildToolbars() {
     const char* key;
     const char* caption;
   };
+  // The receiver's three buttons ("連接COM1", "接收資料", "停止接收") join Toolbar1 with
+  // the GNSS link; until then the bar shows only buttons that do something.
   static const B t1[] = {{"開新圖", "開新圖"},
                          {"開啟舊圖", "開啟舊圖"},
                          {"快速存檔", "快速存檔"},
-                         {"連接COM1", "連接COM1"},
-                         {"接收資料", "接收資料"},
-                         {"停止接收", "停止接收"},
                          {"輸入座標", "輸入座標"},
                          {"輸入角度", "輸入角度"},
                          {"手動引點", "手動引點"},
