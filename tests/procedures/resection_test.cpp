@@ -245,6 +245,9 @@ TEST_F(ResectDialog, FailedSolveLeavesNoStation) {
   dlg.Measure(1);
   port.Receive("0010000 0900000 0900000\r\n");  // 10 m: the pair cannot reach 80.6 m
   dlg.Solve();
+  // A plan map takes an instrument height of 0; the pair is refused on its distances.
+  EXPECT_EQ(dlg.InstrumentHeightText, "0");
+  EXPECT_EQ(dialogs.shown.size(), 1u);
   EXPECT_EQ(dialogs.shown.back().title, "嚴重取樣錯誤");
   EXPECT_EQ(dlg.Command2Caption, "嚴重取樣錯誤");
   EXPECT_FALSE(dlg.OKEnabled);
