@@ -8,20 +8,12 @@ class GpsInitDlgTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void captionsAndOpeningState() {
+  void openingStateThenClickAndCancel() {
     tavik::GpsDatumSettings s;
     GpsInitDlg dlg(s, nullptr, nullptr);
     QCOMPARE(dlg.windowTitle(), QString("衛星接收儀啟動設定"));
-    QCOMPARE(dlg.Option(1)->text(), QString("TWD67 ( 台灣地區虎子山1967年地球原子)"));
-    QCOMPARE(dlg.Option(5)->text(), QString("119度(澎湖群島)"));
-    QVERIFY(dlg.Option(2)->isChecked());
-    QVERIFY(dlg.Option(4)->isChecked());
-    QVERIFY(!dlg.Option(1)->isChecked());
-  }
-
-  void clickThenCancelRestores() {
-    tavik::GpsDatumSettings s;
-    GpsInitDlg dlg(s, nullptr, nullptr);
+    QVERIFY(dlg.Option(2)->isChecked() && dlg.Option(4)->isChecked() && !dlg.Option(1)->isChecked());
+    // A click reaches the datum at once; Cancel puts back what was there.
     QTest::mouseClick(dlg.Option(1), Qt::LeftButton);
     QCOMPARE(s.GpsDatum, std::string("TWD67"));
     QCOMPARE(s.EllipsoidA, 6378160.0);

@@ -1,11 +1,14 @@
-// MainFrm with the whole program behind it, scripted dialogs in front, offscreen.
+// MainFrm with the whole program behind it, scripted dialogs in front, offscreen; and
+// the window alone as the map view sees it.
 #include <QAction>
 #include <QComboBox>
 #include <QMenu>
 #include <QMenuBar>
 #include <QDialog>
 #include <QLabel>
+#include <QScrollBar>
 #include <QStatusBar>
+#include <QToolBar>
 #include <QTextBrowser>
 #include <QtTest>
 #include <cmath>
@@ -184,6 +187,36 @@ class MainFrmTest : public QObject {
       QVERIFY(p.frm.PanelText(1).startsWith("1 :"));
       QVERIFY(p.cycle.Close());
     }
+  }
+
+  // The map view's side of the window: Toolbar1's buttons by their index, and scroll
+  // bars that report the user's moves but not the program's own placing.
+  void toolbarAndScrollBarsForTheView() {
+    MainFrm frm;
+    QToolBar* bar = frm.addToolBar("Toolbar1");
+    QAction* zp = bar->addAction("前幕");
+    zp->setObjectName("ZP");
+    QAction* grid = bar->addAction("方格");
+    grid->setObjectName("DispGrid");
+    frm.SetToolbarButton(tavik::view::ButtonZoomPrevious, false);
+    frm.SetToolbarToolTip(tavik::view::ButtonZoomPrevious, "前有0幕");
+    QVERIFY(!zp->isEnabled());
+    QCOMPARE(zp->toolTip(), QString("前有0幕"));
+    frm.SetToolbarPressed(tavik::view::ButtonGrid, true);
+    QVERIFY(grid->isChecked());
+    frm.SetToolbarButton(99, false);  // no such button: nothing happens
+
+    int moved = -1, done = 0;
+    frm.handlers.HScroll = [&moved](int v) { moved = v; };
+    frm.handlers.ScrollDone = [&done] { ++done; };
+    frm.SetScrollBars(30, 70);
+    auto* h = frm.findChild<QScrollBar*>("HScroll1");
+    QCOMPARE(h->value(), 30);
+    QCOMPARE(frm.findChild<QScrollBar*>("VScroll1")->value(), 70);
+    QCOMPARE(moved, -1);
+    h->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+    QCOMPARE(moved, 31);
+    QCOMPARE(done, 1);
   }
 
   void recentItemsSurviveARestart() {
