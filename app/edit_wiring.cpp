@@ -99,7 +99,7 @@ class EditWiring::WindowHost : public tavik::edit::MapHost {
         const std::string key = a->objectName().toStdString();
         bool unused;
         if (!a->isCheckable() || tavik::view::ToggleState(w_.display_, key, unused)) continue;
-        a->setChecked(key == mode || (mode == "ZoomW" && key == "ZW"));
+        a->setChecked(key == mode || (mode == "ZoomW" && key == "ZW") || (mode == "SS1" && key == "手動引點"));
       }
     }
   }
@@ -217,7 +217,7 @@ void EditWiring::BuildToolbars() {
     a->setToolTip(QString::fromUtf8(b.key));
     const std::string key = b.key;
     bool unused;
-    a->setCheckable(key == "ZW" || tavik::view::ToggleState(display_, key, unused));
+    a->setCheckable(key == "ZW" || key == "手動引點" || tavik::view::ToggleState(display_, key, unused));
     connect(a, &QAction::triggered, this, [this, key] {
       editor_->Toolbar1Click(key);
       host_->ModeChanged(editor_->Ptr.ActionMode);  // a refused mode must not stay pressed

@@ -180,6 +180,13 @@ class EditWindowTest : public QObject {
     QVERIFY(w.Toolbar2()->findChild<QAction*>("RECT")->isChecked());
     QTest::keyClick(paper, Qt::Key_Escape);  // ends it, and the button is up again
     QVERIFY(!w.Toolbar2()->findChild<QAction*>("RECT")->isChecked());
+    QAction* lead = w.Toolbar1()->findChild<QAction*>("手動引點");
+    lead->trigger();  // the lead point waits for its pick, pressed; a second press ends it
+    QVERIFY(lead->isChecked());
+    QCOMPARE(w.Editor().Ptr.ActionMode, std::string("SS1"));
+    lead->trigger();
+    QVERIFY(!lead->isChecked());
+    QCOMPARE(w.Editor().Ptr.ActionMode, std::string());
 
     // The keyed angle asks the window for the measure mode of the settings: in GPS mode
     // it needs a fix, which no receiver gives yet.
