@@ -167,8 +167,15 @@ void DocumentCycle::ShowCounts() {
   window_.SetLabel42(Count(entities));
   window_.SetPanel(4, "測點 " + Count(points));
   window_.SetPanel(5, "圖元 " + Count(entities));
-  window_.SetPanel(6, "螢幕點 " + Count(doc.ScreenPointCount));
-  window_.SetPanel(7, "螢幕圖 " + Count(doc.ScreenEntityCount));
+  // An erase only flags the screen copy until the next rebuild: the screen counts are
+  // of the rows still live, so that they drop with the erase.
+  auto live = [](const auto& table, int32_t count) {
+    int64_t n = 0;
+    for (std::size_t i = 0; i < table.size() && static_cast<int64_t>(i) < count; ++i) n += table[i].Deleted == 0;
+    return n;
+  };
+  window_.SetPanel(6, "螢幕點 " + Count(live(doc.ScreenPointTable, doc.ScreenPointCount)));
+  window_.SetPanel(7, "螢幕圖 " + Count(live(doc.ScreenEntityTable, doc.ScreenEntityCount)));
   window_.SetPanel(10, "底圖數目: " + Count(doc.BaseMapCount));
 }
 

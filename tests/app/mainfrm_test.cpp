@@ -104,6 +104,10 @@ class MainFrmTest : public QObject {
     QTRY_COMPARE(p.frm.LabelText("Label42"), QString("1"));
     QCOMPARE(p.frm.PanelText(5), QString("圖元 1"));
     QCOMPARE(p.frm.PanelText(7), QString("螢幕圖 1"));
+    QVERIFY(tavik::DeleteEntity(p.app.doc, p.app.work, 1));
+    p.frm.RedrawPaper();
+    QCOMPARE(p.frm.PanelText(5), QString("圖元 0"));
+    QCOMPARE(p.frm.PanelText(7), QString("螢幕圖 0"));
     // So does the scale when a set-up fits the view to its points.
     p.survey->panel()->FitViewTo(280800, 2752600, 281000, 2752700, 1.2);
     QVERIFY(p.app.doc.ScaleDenominator > 100);
