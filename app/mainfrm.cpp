@@ -393,6 +393,9 @@ void MainFrm::keyPressEvent(QKeyEvent* e) {
 void MainFrm::ClearPaper() {
   paper_->Surface().Clear(tavik::ui::MakeRgb(255, 255, 255));
   paper_->update();
+  // The map type and the pointer's place were the old document's; the next one sets
+  // its own when it is taken up.
+  SetMAPtype("");
   SetReadout("", "");
   emit paperCleared();
 }

@@ -141,6 +141,7 @@ class MainFrmTest : public QObject {
     QVERIFY(!panel.Blinking());
     QCOMPARE(panel.Text("LabelStaName"), QString());
     QCOMPARE(p.frm.PanelText(2), QString());
+    QCOMPARE(p.frm.LabelText("MAPtype"), QString());
     QCOMPARE(p.frm.LabelText("Label42"), QString("0"));
     dialogs.files = {(p.app.paths.WorkFolder() / "丁地.SPC").string()};
     p.cycle.New();
