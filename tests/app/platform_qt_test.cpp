@@ -1,4 +1,5 @@
-// The Qt ends of the platform interfaces.
+// The Qt ends of the platform interfaces (the settings store is plain C++, tested with
+// the platform layer).
 #include <QApplication>
 #include <QComboBox>
 #include <QFileDialog>
@@ -13,7 +14,6 @@
 #include "core/temp_home.h"
 #include "platform/qt/image_surface.h"
 #include "platform/qt/qt_dialogs.h"
-#include "platform/qt/qt_settings_store.h"
 #include "platform/qt/qt_timer.h"
 
 using namespace tavik::ui;
@@ -162,23 +162,6 @@ class PlatformQtTest : public QObject {
     s.Arc(10, 10, 0, 0, 1);
     s.SetPixel(-1, 500, MakeRgb(0, 0, 0));
     QVERIFY(s.Image() == before);
-  }
-
-  void settingsStoreKeepsSectionsAndKeys() {
-    tavik::testing::TempHome home;
-    QtSettingsStore store(home.path);
-    store.SaveSetting("TAVIK", "Used Files", "2", "/w/乙");
-    store.SaveSetting("TAVIK", "Used Files", "1", "/w/甲");
-    store.SaveSetting("TAVIK", "Other", "1", "x");
-    QtSettingsStore again(home.path);  // another instance reads what was written
-    QCOMPARE(again.GetSetting("TAVIK", "Used Files", "1", ""), std::string("/w/甲"));
-    QCOMPARE(again.GetSetting("TAVIK", "Used Files", "9", "none"), std::string("none"));
-    const auto all = again.GetAllSettings("TAVIK", "Used Files");
-    QCOMPARE(all.size(), std::size_t(2));
-    QCOMPARE(all[0].second, std::string("/w/甲"));
-    again.DeleteSection("TAVIK", "Used Files");
-    QVERIFY(store.GetAllSettings("TAVIK", "Used Files").empty());
-    QCOMPARE(store.GetSetting("TAVIK", "Other", "1", ""), std::string("x"));
   }
 
   void timerTicksFromTheEventLoop() {
