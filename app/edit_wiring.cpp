@@ -368,13 +368,16 @@ void EditWiring::ShowHotKeys() {
       for (int c = 0; c < table->columnCount(); ++c)
         table->setItem(r, c, new QTableWidgetItem(rows[static_cast<std::size_t>(r)][c]));
     table->resizeColumnsToContents();
-    table->resizeRowsToContents();
+    // Rows as low as the text allows, so the 24 legend letters fit a small screen too.
+    table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    table->verticalHeader()->setMinimumSectionSize(1);
+    table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().height() + 4);
     int width = 2 * table->frameWidth();
     for (int c = 0; c < table->columnCount(); ++c) {
       table->setColumnWidth(c, table->columnWidth(c) + 12);
       width += table->columnWidth(c);
     }
-    int height = table->horizontalHeader()->height() + 2 * table->frameWidth();
+    int height = table->horizontalHeader()->sizeHint().height() + 2 * table->frameWidth();
     for (int r = 0; r < table->rowCount(); ++r) height += table->rowHeight(r);
     table->setFixedWidth(width);
     table->setMinimumHeight(std::min(height, 700));

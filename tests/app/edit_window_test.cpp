@@ -1,6 +1,10 @@
 // The pen on the real window, offscreen: a rectangle drawn with the mouse, deleted,
 // undeleted, saved and read back.
 #include <QAction>
+#include <QDialog>
+#include <QHeaderView>
+#include <QScrollBar>
+#include <QTableWidget>
 #include <QToolBar>
 #include <QtTest>
 #include <filesystem>
@@ -200,6 +204,21 @@ class EditWindowTest : public QObject {
     p.app.doc.CurrentLegend = 407;
     p.frm.findChild<QAction*>("MainMnuSymb")->trigger();
     QCOMPARE(dialogs.Messages().back(), std::string("目前圖例不能做[實物註記]"));
+
+    // The hot-key window shows every row and every column whole, with no scrolling.
+    w.ShowHotKeys();
+    auto* keys = p.frm.findChild<QDialog*>("HotKeys");
+    QVERIFY(keys && QTest::qWaitForWindowExposed(keys));
+    const auto tables = keys->findChildren<QTableWidget*>();
+    QCOMPARE(tables.size(), 2);
+    for (QTableWidget* t : tables) {
+      QVERIFY(!t->verticalScrollBar()->isVisible());
+      for (int r = 0; r < t->rowCount(); ++r)
+        for (int c = 0; c < t->columnCount(); ++c)
+          QVERIFY(t->fontMetrics().horizontalAdvance(t->item(r, c)->text()) < t->columnWidth(c));
+      QVERIFY(t->visualItemRect(t->item(t->rowCount() - 1, 0)).bottom() < t->viewport()->height());
+    }
+    keys->close();
 
     p.frm.RedrawPaper();
     if (qEnvironmentVariableIsSet("TAVIK_SCREENSHOT2"))

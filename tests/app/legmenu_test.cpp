@@ -1,6 +1,7 @@
 // The legend picker: nine tabs of the picker's codes, a press sets CurrentLegend, the
 // short form only takes 235 and 201, and LegendButton refuses while a command runs.
 #include <QPushButton>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTest>
 #include <QToolBar>
@@ -29,6 +30,23 @@ class LegMenuTest : public QObject {
     QTest::mouseClick(tree, Qt::LeftButton);
     QCOMPARE(doc.CurrentLegend, static_cast<int16_t>(707));
     QCOMPARE(told, static_cast<int16_t>(707));
+
+    // Every tab in sight at once, and on every page one grid of equal buttons (to the
+    // pixel the layout gives the odd cell when it shares out the width).
+    menu.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&menu));
+    QTabBar* bar = tabs->tabBar();
+    QVERIFY(bar->tabRect(8).right() <= bar->width());
+    QSize size;
+    for (int t = 0; t < tabs->count(); ++t) {
+      tabs->setCurrentIndex(t);
+      QCoreApplication::processEvents();
+      for (auto* b : tabs->widget(t)->findChildren<QPushButton*>()) {
+        if (!size.isValid()) size = b->size();
+        QVERIFY2(std::abs(b->width() - size.width()) <= 1 && b->height() == size.height(),
+                 qPrintable(b->objectName()));
+      }
+    }
   }
   void ShortFormTakesOnlyTwoCodes() {
     tavik::Document doc;
