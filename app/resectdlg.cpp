@@ -149,7 +149,7 @@ void ResectDlg::Push() {
   bsz_->setText(Q(l.LabelBsz));
   bsx_->setText(Q(l.LabelBsx));
   bsy_->setText(Q(l.LabelBsy));
-  label6_->setText(Q(l.Label6));
+  label6_->setText(Q(MainFrm::AngleText(l.Label6)));
   label18_->setVisible(l.Label18Visible);
   label17_->setText(Q(l.Label17));
   solve_->setText(Q(l.Command2Caption));

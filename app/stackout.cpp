@@ -152,7 +152,7 @@ void StackOut::Push() {
   command5_->setEnabled(l.Command5Enabled);
   label4_->setText(Q(l.Label4));
   label5_->setText(Q(l.Label5));
-  label6_->setText(Q(l.Label6));
+  label6_->setText(Q(MainFrm::AngleText(l.Label6)));
   label8_->setText(Q(l.Label8));
   label9_->setText(Q(l.Label9));
   labelS_->setText(Q(l.LabelS));
