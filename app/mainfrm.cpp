@@ -226,6 +226,11 @@ void MainFrm::BuildStatusBar() {
     statusBar()->addPermanentWidget(l);
     panels_[k] = l;
   }
+  // A passing message (a result, the legend chosen) gives the place back to the prompt of
+  // the command still running when it times out.
+  connect(statusBar(), &QStatusBar::messageChanged, this, [this](const QString& m) {
+    if (m.isEmpty() && !prompt_.isEmpty()) statusBar()->showMessage(prompt_);
+  });
 }
 
 void MainFrm::BuildFineMoveToolbar() {
@@ -330,7 +335,10 @@ bool MainFrm::eventFilter(QObject* watched, QEvent* event) {
   return QMainWindow::eventFilter(watched, event);
 }
 
-void MainFrm::SetPrompt(const std::string& text) { statusBar()->showMessage(Q(text)); }
+void MainFrm::SetPrompt(const std::string& text) {
+  prompt_ = Q(text);
+  statusBar()->showMessage(prompt_);
+}
 
 void MainFrm::SetReadout(const std::string& e, const std::string& n) {
   panels_[2]->setText(e.empty() ? QString() : Q("E " + e));

@@ -134,5 +134,6 @@ class MainFrm : public QMainWindow, public tavik::FrameWindow, public tavik::vie
   std::array<QLabel*, 11> panels_{};  // 1..10
   std::map<std::string, QLabel*> labels_;
   std::string measureMode_ = "TS";
+  QString prompt_;
   bool fitting_ = false;
 };

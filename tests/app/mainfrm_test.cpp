@@ -119,6 +119,8 @@ class MainFrmTest : public QObject {
     QCOMPARE(p.frm.PanelText(2), QString("E 280850.000"));
     QCOMPARE(p.frm.PanelText(3), QString("N 2752650.000"));
     QCOMPARE(p.frm.statusBar()->currentMessage(), QString("請點選第一點"));
+    p.frm.statusBar()->showMessage("目前圖例 301", 10);  // a passing message
+    QTRY_COMPARE(p.frm.statusBar()->currentMessage(), QString("請點選第一點"));
     QVERIFY(p.frm.findChild<QLabel*>("Panel1")->isVisible());
     QVERIFY(p.frm.findChild<QLabel*>("Panel5")->isVisible());
 
