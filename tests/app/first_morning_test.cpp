@@ -7,16 +7,14 @@
 #include <QAction>
 #include <QComboBox>
 #include <QLineEdit>
-#include <QProcess>
 #include <QPushButton>
 #include <QStatusBar>
-#include <QTemporaryDir>
 #include <QToolBar>
 #include <QWheelEvent>
 #include <QtTest>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
+#include <sstream>
 
 #include "app/edit_wiring.h"
 #include "app/fitdialog.h"
@@ -25,6 +23,7 @@
 #include "app/survey_station.h"
 #include "core/tables.h"
 #include "core/temp_home.h"
+#include "instruments/sim_process.h"
 #include "platform/scripted/scripted.h"
 #include "procedures/observation_pipeline.h"
 #include "view/transform.h"
@@ -42,34 +41,27 @@ struct Prism {
 const Prism kStation = {"K1", 280850, 2752650, 50};
 const Prism kPrisms[] = {{"B1", 280950, 2752650, 52}, {"P1", 280853, 2752654, 51.2}, {"P2", 280846, 2752647, 49.87}};
 
-// tavik-sim playing a SET on a pseudo-terminal, held on the prism it is told.
-class Sim {
+// The scene for tavik-sim playing a SET, held on the prism it is told.
+std::string Scene() {
+  std::ostringstream scene;
+  scene << std::fixed << "station " << kStation.E << ' ' << kStation.N << ' ' << kStation.H << " 1.5\norientation 30\n";
+  for (const Prism& p : kPrisms) scene << "target " << p.name << ' ' << p.E << ' ' << p.N << ' ' << p.H << " 1.5\n";
+  return scene.str();
+}
+
+// An environment variable set (or, given a null value, unset) for the life of the object.
+class ScopedEnv {
  public:
-  Sim() {
-    std::ofstream scene(dir_.filePath("scene.txt").toStdString());
-    scene << std::fixed << "station " << kStation.E << ' ' << kStation.N << ' ' << kStation.H << " 1.5\norientation 30\n";
-    for (const Prism& p : kPrisms) scene << "target " << p.name << ' ' << p.E << ' ' << p.N << ' ' << p.H << " 1.5\n";
-    scene.close();
-    process_.start(TAVIK_BIN_DIR "/tools/sim/tavik-sim",
-                   {"--family", "SET", "--scene", dir_.filePath("scene.txt"), "--hold"});
-    process_.waitForStarted(5000);
-    QTRY_VERIFY_WITH_TIMEOUT(process_.canReadLine() || process_.state() == QProcess::NotRunning, 5000);
-    path = process_.readLine().trimmed().toStdString();
+  ScopedEnv(const char* name, const QByteArray& value) : name_(name), had_(qEnvironmentVariableIsSet(name)), old_(qgetenv(name)) {
+    Set(value);
   }
-  ~Sim() {
-    process_.kill();
-    process_.waitForFinished(2000);
-  }
-  void Target(int n) {
-    process_.write(("target " + std::to_string(n) + "\n").c_str());
-    process_.waitForBytesWritten(1000);
-    QTest::qWait(50);
-  }
-  std::string path;
+  ~ScopedEnv() { Set(had_ ? old_ : QByteArray()); }
 
  private:
-  QTemporaryDir dir_;
-  QProcess process_;
+  void Set(const QByteArray& v) { v.isNull() ? (void)qunsetenv(name_) : (void)qputenv(name_, v); }
+  const char* name_;
+  bool had_;
+  QByteArray old_;
 };
 
 // The whole program as main() puts it together.
@@ -131,32 +123,15 @@ class FirstMorningTest : public QObject {
     tavik::testing::TempHome home;
     // A fresh user with the default folders, in a home of the test's own, so nothing
     // lands in the real one.
-    struct Env {
-      Env(const char* n, const QByteArray& value) : name(n), had(qEnvironmentVariableIsSet(n)), real(qgetenv(n)) {
-        if (value.isNull())
-          qunsetenv(name);
-        else
-          qputenv(name, value);
-      }
-      ~Env() {
-        if (had)
-          qputenv(name, real);
-        else
-          qunsetenv(name);
-      }
-      const char* name;
-      bool had;
-      QByteArray real;
-    };
     fs::create_directories(home.path / "user");
-    Env user("HOME", QByteArray::fromStdString((home.path / "user").string())), data("TAVIK_HOME", QByteArray()),
-        xdg("XDG_DATA_HOME", QByteArray());
+    ScopedEnv user("HOME", QByteArray::fromStdString((home.path / "user").string())), data("TAVIK_HOME", {}),
+        xdg("XDG_DATA_HOME", {});
     const tavik::AppPaths paths = tavik::AppPaths::FromEnvironment();
     QVERIFY(paths.EnsureFolders());
     QCOMPARE(paths.WorkFolder(), home.path / "user" / "TAVIK" / "工作目錄");
-    Sim sim;
+    tavik::test::Sim sim("SET", Scene());
     QVERIFY(!sim.path.empty());
-    qputenv("TAVIK_COM7", QByteArray::fromStdString(sim.path));
+    ScopedEnv com7("TAVIK_COM7", QByteArray::fromStdString(sim.path));
 
     // The instrument is chosen once; the next start brings it back.
     {
@@ -195,7 +170,7 @@ class FirstMorningTest : public QObject {
     fit->findChild<QComboBox*>("Combo2")->setCurrentText("B1");
     fit->findChild<QLineEdit*>("Text4")->setText("1.5");
     fit->findChild<QLineEdit*>("Text3")->setText("1.5");
-    sim.Target(0);
+    sim.Command("target 0");
     QTest::mouseClick(fit->findChild<QPushButton*>("Command3"), Qt::LeftButton);
     QTRY_VERIFY_WITH_TIMEOUT(p.instruments.inst.AwaitFitShot == tavik::kFalse, 5000);
     QTest::mouseClick(fit->findChild<QPushButton*>("OKButton"), Qt::LeftButton);
@@ -206,7 +181,7 @@ class FirstMorningTest : public QObject {
 
     // Two shots: the record button, then the space bar.
     for (int i : {1, 2}) {
-      sim.Target(i);
+      sim.Command("target " + std::to_string(i));
       dialogs.inputs.push_back("1.5");
       const int32_t before = p.app.doc.PointCount;
       win.AnswerPointKind();

@@ -13,7 +13,9 @@
 
 namespace tavik::test {
 
+// The application of a test that has none of its own (a window test has one already).
 inline QCoreApplication& QtApp() {
+  if (QCoreApplication* running = QCoreApplication::instance()) return *running;
   static int argc = 1;
   static char name[] = "e2e_tests";
   static char* argv[] = {name, nullptr};
