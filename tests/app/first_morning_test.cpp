@@ -6,6 +6,7 @@
 // window's counts are checked at each step.
 #include <QAction>
 #include <QComboBox>
+#include <QDialog>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QStatusBar>
@@ -206,6 +207,13 @@ class FirstMorningTest : public QObject {
     const int32_t entities = p.app.doc.EntityCount;
     QCOMPARE(entities, 3);  // two known points and the line
     QCOMPARE(win.Counts(), win.Expected());
+
+    // Shift+F1 on the map opens the manual, not the hot-key window.
+    QTest::keyClick(win.Paper(), Qt::Key_F1, Qt::ShiftModifier);
+    auto* manual = p.frm.findChild<QDialog*>("Manual");
+    QVERIFY(manual && manual->windowTitle() == "TAVIK操作手冊");
+    QVERIFY(!p.frm.findChild<QDialog*>("HotKeys"));
+    manual->close();
 
     // The pointer's readout has a panel of its own; the scale and the counts stay.
     QTest::mouseMove(win.Paper(), win.At(280851, 2752651));
