@@ -22,7 +22,9 @@ struct Display {
 
   // Toolbar1 toggles read by the repaint; each button shows its flag pressed.
   bool GridOn = false;        // DispGrid
-  bool ElevationsOn = false;  // SwitchEle: the height of every survey point
+  // SwitchEle: the height of every survey point. On from the start, so that the height
+  // a shot draws beside its point in a topographic map stays through the repaints.
+  bool ElevationsOn = true;
   bool VerticalOn = false;    // 垂距開關: every point's height above or below the station
   bool CodesOn = false;       // SwitchSN: the running number of every survey point
 

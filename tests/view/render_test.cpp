@@ -384,6 +384,11 @@ TEST(Toggles, HeightsDifferencesAndNumbersOutliveTheRepaint) {
     f->doc.StationSet = kTrue, f->doc.StationH = 10;
     return f;
   };
+  // Heights are on from the start: what a shot draws beside its point stays.
+  auto fresh = fixture(1);
+  RedrawAll(fresh->canvas);
+  EXPECT_EQ(fresh->CountColour("text", HeightColour), 2u);
+
   struct Case {
     const char* key;
     bool (*toggle)(MapCanvas&);
@@ -398,6 +403,7 @@ TEST(Toggles, HeightsDifferencesAndNumbersOutliveTheRepaint) {
   };
   for (const Case& c : cases) {
     auto f = fixture(c.mapType);
+    f->display.ElevationsOn = false;
     bool on = true;
     ASSERT_TRUE(ToggleState(f->display, c.key, on) && !on) << c.key;
     EXPECT_TRUE(c.toggle(f->canvas)) << c.key;
@@ -419,6 +425,7 @@ TEST(Toggles, HeightsDifferencesAndNumbersOutliveTheRepaint) {
   }
   // The height stands where a new shot draws it, six pixels right of the mark and five up.
   auto f = fixture(1);
+  f->display.ElevationsOn = false;
   SwitchEle(f->canvas);
   EXPECT_TRUE(f->ui.pressed[ButtonElevations]);
   const auto p = f->Px(1000, 2000);
