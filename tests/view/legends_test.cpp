@@ -96,7 +96,7 @@ TEST(RefusalSets, RefusalShowsItsMessageUnderTheTitle) {
   EXPECT_TRUE(dialogs.shown.empty());
 }
 
-TEST(Picker, NineTabsHoldEveryMenuCodeByClass) {
+TEST(Picker, NineTabsByClassOpenOnlyWithoutACommand) {
   const auto& tabs = LegMenuTabs();
   ASSERT_EQ(tabs.size(), 9u);
   std::size_t total = 0;
@@ -115,9 +115,8 @@ TEST(Picker, NineTabsHoldEveryMenuCodeByClass) {
   EXPECT_EQ(doc.CurrentLegend, 707);
   EXPECT_TRUE(EduLegendsPick(doc, 235));
   EXPECT_EQ(doc.CurrentLegend, 235);
-}
 
-TEST(Picker, LegendButtonRefusesWhileACommandRuns) {
+  // The picker opens only while no command runs.
   ui::ScriptedDialogs dialogs;
   EXPECT_TRUE(LegendButton_Click("", dialogs));
   EXPECT_TRUE(dialogs.shown.empty());
