@@ -70,30 +70,23 @@ TEST(RefusalSets, EachCommandRefusesItsOwnCodes) {
 }
 
 TEST(RefusalSets, RefusalShowsItsMessageUnderTheTitle) {
-  struct Case {
-    DrawCommand command;
-    int code;
-    const char* text;
-  } cases[] = {
-      {DrawCommand::Line, 110, "目前圖例不能畫線"},     {DrawCommand::Rect, 513, "目前圖例不能畫矩形"},
-      {DrawCommand::Arc, 521, "目前圖例不能畫弧"},      {DrawCommand::Circle2, 520, "目前圖例不能畫圓"},
-      {DrawCommand::Circle3, 863, "目前圖例不能畫圓"},  {DrawCommand::BlockNote, 301, "目前圖例不能做[區塊註記]"},
-      {DrawCommand::SymbolNote, 930, "目前圖例不能做[實物註記]"},
+  // 235 is refused by every command, each with its own text.
+  const std::pair<DrawCommand, const char*> cases[] = {
+      {DrawCommand::Line, "目前圖例不能畫線"},    {DrawCommand::Rect, "目前圖例不能畫矩形"},
+      {DrawCommand::Arc, "目前圖例不能畫弧"},     {DrawCommand::Circle2, "目前圖例不能畫圓"},
+      {DrawCommand::Circle3, "目前圖例不能畫圓"}, {DrawCommand::BlockNote, "目前圖例不能做[區塊註記]"},
+      {DrawCommand::SymbolNote, "目前圖例不能做[實物註記]"},
   };
-  for (const Case& c : cases) {
-    Document doc;
-    doc.CurrentLegend = static_cast<int16_t>(c.code);
-    ui::ScriptedDialogs dialogs;
-    EXPECT_FALSE(CheckCurrentLegend(c.command, doc, dialogs));
-    ASSERT_EQ(dialogs.shown.size(), 1u);
-    EXPECT_EQ(dialogs.shown[0].text, c.text);
-    EXPECT_EQ(dialogs.shown[0].title, "屬性限制");
-  }
   Document doc;
-  EXPECT_EQ(doc.CurrentLegend, 301);
   ui::ScriptedDialogs dialogs;
-  EXPECT_TRUE(CheckCurrentLegend(DrawCommand::Rect, doc, dialogs));
-  EXPECT_TRUE(dialogs.shown.empty());
+  EXPECT_TRUE(CheckCurrentLegend(DrawCommand::Rect, doc, dialogs));  // 301, the legend at start
+  doc.CurrentLegend = 235;
+  for (const auto& [command, text] : cases) {
+    dialogs.shown.clear();
+    EXPECT_FALSE(CheckCurrentLegend(command, doc, dialogs));
+    ASSERT_EQ(dialogs.shown.size(), 1u);
+    EXPECT_EQ(dialogs.shown[0].text + "|" + dialogs.shown[0].title, std::string(text) + "|屬性限制");
+  }
 }
 
 TEST(Picker, NineTabsByClassOpenOnlyWithoutACommand) {
