@@ -226,6 +226,7 @@ void EditWiring::BuildToolbars() {
     });
   }
   ShowToggles();
+  tavik::view::ClearViewHistory(program_.app.view, program_.frm);  // 前幕 has nothing to go back to yet
   program_.frm.addToolBarBreak();
   toolbar2_ = program_.frm.addToolBar("Toolbar2");
   toolbar2_->setObjectName("Toolbar2");
