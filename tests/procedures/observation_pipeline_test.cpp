@@ -99,25 +99,21 @@ TEST_F(Pipeline, PlanMapNeverPromptsAndNoDistanceIsRefused) {
   EXPECT_TRUE(window.enabled["RecButton"]);
 }
 
-TEST_F(Pipeline, CancelledCadastralDialogStoresNothing) {
-  dialogs.inputs.push_back("1.3");
-  window.cadastralChoices.push_back(0);
+TEST_F(Pipeline, CadastralShotWritesMacAndNamedEntityUnlessCancelled) {
+  dialogs.inputs = {"1.3", "1.3"};
+  window.cadastralChoices = {0, 1};
+  window.cadastralNames.push_back(" 界12 ");
   Deliver(1040, 2030, 52.25, 1.3);
   survey.LastE = 7;
-  ReducePoint(ctx);
+  ReducePoint(ctx);  // cancelled: nothing stored, but the reduction stands
   EXPECT_EQ(doc.PointCount, 0);
   EXPECT_EQ(File(".OBS"), "");
   EXPECT_EQ(survey.PrevE, 7);
-  EXPECT_NEAR(survey.LastE, 1040, 1e-9);  // the reduction stands
+  EXPECT_NEAR(survey.LastE, 1040, 1e-9);
   EXPECT_EQ(window.texts["Label1XY(0)"], "1040.000");
   EXPECT_EQ(survey.PointHistoryE[0], 0);
-}
 
-TEST_F(Pipeline, CadastralShotWritesMacAndNamedEntity) {
   doc.BacksightAzimuth = doc.OrientationConstant;  // readings are angles turned from the backsight
-  dialogs.inputs.push_back("1.3");
-  window.cadastralChoices.push_back(1);
-  window.cadastralNames.push_back(" 界12 ");
   Deliver(1040, 2030, 52.25, 1.3);
   ReducePoint(ctx);
   ASSERT_EQ(doc.EntityCount, 1);

@@ -33,7 +33,7 @@ ResectSlot Observe(const char* name, double E, double N, double H, double th) {
   return s;
 }
 
-TEST(Resection, RecoversTheStation) {
+TEST(Resection, RecoversTheStationAndTheMirroredOrderShowsInTheClosure) {
   ResectSlot p1 = Observe("P1", 1000, 2000, 50, 1.3), p2 = Observe("P2", 1080, 2010, 51, 1.6);
   const ResectResult r = SolveResection(p1, p2, 1, kIH);
   ASSERT_EQ(r.outcome, ResectResult::Outcome::Solved);
@@ -44,17 +44,14 @@ TEST(Resection, RecoversTheStation) {
   EXPECT_NEAR(r.CoordinateClosure, 0, 1e-6);
   EXPECT_NEAR(r.OrientationConstant, kOC, 1e-5);
   EXPECT_EQ(ClosureText(r.Closure), "0-00-00.0");
-}
-
-TEST(Resection, MirroredOrderShowsInTheClosure) {
-  ResectSlot p1 = Observe("P2", 1080, 2010, 51, 1.6), p2 = Observe("P1", 1000, 2000, 50, 1.3);
-  const ResectResult r = SolveResection(p1, p2, 2, kIH);
-  ASSERT_EQ(r.outcome, ResectResult::Outcome::Solved);
-  // Both sides agree on the mirrored station, so only the angle closure shows it.
-  EXPECT_GT(std::fabs(r.Closure), 1.0);
-  EXPECT_NEAR(r.CoordinateClosure, 0, 1e-6);
-  EXPECT_GT(std::hypot(r.StationE - kSE, r.StationN - kSN), 10.0);
-  EXPECT_EQ(ClosureText(r.Closure).substr(0, 1), "-");
+  // Swapped: both sides agree on the mirrored station, so only the angle closure shows it.
+  p1 = Observe("P2", 1080, 2010, 51, 1.6), p2 = Observe("P1", 1000, 2000, 50, 1.3);
+  const ResectResult m = SolveResection(p1, p2, 2, kIH);
+  ASSERT_EQ(m.outcome, ResectResult::Outcome::Solved);
+  EXPECT_GT(std::fabs(m.Closure), 1.0);
+  EXPECT_NEAR(m.CoordinateClosure, 0, 1e-6);
+  EXPECT_GT(std::hypot(m.StationE - kSE, m.StationN - kSN), 10.0);
+  EXPECT_EQ(ClosureText(m.Closure).substr(0, 1), "-");
 }
 
 TEST(Resection, DegenerateCases) {

@@ -170,6 +170,11 @@ TEST_F(Fit, ListsControlPointsAndRefusesBadPairs) {
   EXPECT_EQ(dlg.Label9, "0.050");
   EXPECT_FALSE(dlg.OKButton());
   EXPECT_EQ(dlg.Text5, "角度或距離至少要有一個");
+  // An angle read shows the link's own reading text (a Trimble 3600's, here).
+  ctx.link.Label29 = [] { return std::string("123-45-12.3"); };
+  inst.ObsHz = DegreesToRadians(123.75);
+  dlg.AngleReceiver();
+  EXPECT_EQ(dlg.Text5, "123-45-12.3");
 }
 
 TEST_F(Fit, DistanceShotThenSurvey) {
@@ -223,16 +228,6 @@ TEST_F(Fit, TypedReadingAndTheGtsAcknowledge) {
   EXPECT_EQ(File(".MAC"), "K1 K2\r\n");
   // The typed reading changes no raw value: the record keeps the last answer's.
   EXPECT_EQ(Lines(".OBS").back(), "K2,1100.000,2000.000,52.000, 1234512 , 901530 ,12.500");
-}
-
-TEST_F(Fit, AngleReadShowsTheLinksReadingText) {
-  FitDialogLogic dlg(ctx);
-  dlg.ChooseStation("K1");
-  dlg.ChooseBacksight("K2");
-  ctx.link.Label29 = [] { return std::string("123-45-12.3"); };  // a Trimble 3600 reading
-  inst.ObsHz = DegreesToRadians(123.75);
-  dlg.AngleReceiver();
-  EXPECT_EQ(dlg.Text5, "123-45-12.3");
 }
 
 TEST_F(Fit, CancelRestoresTheFormerSetup) {
