@@ -81,7 +81,7 @@ TEST_F(Constructions, HeightsOfDividedPointsAndFeet) {
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << "MapType " << c.mapType << " H " << c.H1 << ", " << c.H2);
     doc.MapType = c.mapType;
-    doc.EntityTable.clear(), doc.EntityCount = 0, doc.ScreenEntityTable.clear(), doc.ScreenEntityCount = 0;
+    ClearTables();
     Line(1000, 2000, c.H1, 1010, 2000, c.H2);
     ed.NewPointH = 7;
     ed.StartCommand(mode::NP_DevideTo);
@@ -91,7 +91,7 @@ TEST_F(Constructions, HeightsOfDividedPointsAndFeet) {
     EXPECT_EQ(doc.PointTable.back().H, c.expected);
   }
   // The foot's height is worked out where heights are kept and held over elsewhere.
-  doc.EntityTable.clear(), doc.EntityCount = 0, doc.ScreenEntityTable.clear(), doc.ScreenEntityCount = 0;
+  ClearTables();
   Line(1000, 2010, 10, 1010, 2010, 20);
   Pt(1005, 2015);
   for (const int16_t mapType : {1, 2}) {
@@ -106,18 +106,6 @@ TEST_F(Constructions, HeightsOfDividedPointsAndFeet) {
   Click(1005, 2015);
   Click(1002, 2010);
   EXPECT_EQ(doc.PointTable.back().H, 0);
-}
-
-TEST_F(Constructions, PerpendicularFootMayLieOnTheExtension) {
-  Line(1000, 2000, 0, 1002, 2000, 0);
-  Pt(1005, 2010);
-  ed.StartCommand(mode::NP_PerOf);
-  Click(1001, 2005);  // no point there: nothing
-  EXPECT_EQ(doc.PointCount, 1);
-  Click(1005, 2010);
-  Click(1001, 2000);
-  ASSERT_EQ(doc.PointCount, 2);
-  ExpectAt(doc.PointTable[1], 1005, 2000, 1e-6);
 }
 
 TEST_F(Constructions, IntersectionExtensionAndProjection) {
@@ -146,6 +134,17 @@ TEST_F(Constructions, IntersectionExtensionAndProjection) {
   Click(1021, 2000.1);
   ASSERT_EQ(doc.PointCount, 3);
   ExpectAt(doc.PointTable[2], 1021, 2000, 1e-3);
+
+  // A perpendicular's foot may lie on the line's extension.
+  Line(1000, 2015, 0, 1002, 2015, 0);
+  Pt(1005, 2010);
+  ed.StartCommand(mode::NP_PerOf);
+  Click(1001, 2012.5);  // no point there: nothing
+  EXPECT_EQ(doc.PointCount, 4);
+  Click(1005, 2010);
+  Click(1001, 2015);
+  ASSERT_EQ(doc.PointCount, 5);
+  ExpectAt(doc.PointTable[4], 1005, 2015, 1e-6);
 }
 
 TEST_F(Constructions, CrossingOfTwoLinesInAWindow) {

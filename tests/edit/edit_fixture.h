@@ -84,6 +84,12 @@ class EditFixture : public ::testing::Test {
   void Line(double E1, double N1, double H1, double E2, double N2, double H2, int16_t code = 301) {
     ASSERT_TRUE(AddEntity(doc, view, work, code, KindLine, E1, N1, H1, E2, N2, H2, 0, 0, 0, ""));
   }
+  // Empties the point and entity tables and the dialogs' record, for the next case.
+  void ClearTables() {
+    doc.EntityTable.clear(), doc.EntityCount = 0, doc.ScreenEntityTable.clear(), doc.ScreenEntityCount = 0;
+    doc.PointTable.clear(), doc.PointCount = 0, doc.ScreenPointTable.clear(), doc.ScreenPointCount = 0;
+    dialogs.shown.clear();
+  }
   void Click(double E, double N) { ed.ClickAt(LeftButton, E, N); }
   void RightClick(double E, double N) { ed.ClickAt(RightButton, E, N); }
 

@@ -14,11 +14,6 @@ class Shapes : public EditFixture {
   void PickAll() {
     for (const auto& p : std::vector<Point>(doc.PointTable)) Click(p.E, p.N);
   }
-  void ClearTables() {
-    doc.EntityTable.clear(), doc.EntityCount = 0, doc.ScreenEntityTable.clear(), doc.ScreenEntityCount = 0;
-    doc.PointTable.clear(), doc.PointCount = 0, doc.ScreenPointTable.clear(), doc.ScreenPointCount = 0;
-    dialogs.shown.clear();
-  }
   void Pts(std::initializer_list<std::array<double, 3>> pts) {
     for (const auto& p : pts) Pt(p[0], p[1], p[2]);
   }
