@@ -77,18 +77,35 @@ struct Session {
     app.doc.MapChanged = kTrue;
     app.work.WriteRecoveryHeader(app.doc);
   }
+  // Closes the document, then takes it up again from the first recent item and from the
+  // file dialog.
+  void ReopenBothWays(const std::string& spc, int points) {
+    ASSERT_TRUE(cycle.Close());
+    cycle.OpenRecent(1);
+    ASSERT_EQ(app.doc.SpcPath, spc);
+    EXPECT_EQ(app.doc.PointCount, points);
+    ASSERT_TRUE(cycle.Close());
+    dialogs.files = {spc};
+    cycle.Open();
+    EXPECT_EQ(app.doc.PointCount, points);
+  }
 };
 
 bool WorkFilesPresent(const AppPaths& p) {
   return fs::exists(p.TempP0()) && fs::exists(p.TempS0()) && fs::exists(p.TempBM());
 }
 
-// A fresh data folder with the program started over it.
+// A fresh data folder (made before the session over it) with the program started.
+struct HomeFolder {
+  TempHome home;
+};
+struct StartedSession : HomeFolder, Session {
+  StartedSession() : Session(home.path) { cycle.Startup(); }
+};
 class StartedCycle : public ::testing::Test {
  protected:
-  void SetUp() override { s.cycle.Startup(); }
-  TempHome home;
-  Session s{home.path};
+  StartedSession s;
+  TempHome& home = s.home;
 };
 
 }  // namespace
@@ -133,9 +150,7 @@ TEST(DocumentCycle, NewOverAnExistingFileAsksYesNoCancel) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.legend);
-    TempHome home;
-    Session s(home.path);
-    s.cycle.Startup();
+    StartedSession s;
     WriteBytes(s.Work("old.SPC"), "keep");
     s.dialogs.files = {s.Work("old.SPC"), s.Work("other.SPC")};
     s.dialogs.answers = {c.answer};
@@ -184,15 +199,7 @@ TEST(DocumentCycle, FreshUserSavesInTheDefaultWorkFolderAndOpensItAgain) {
   s.cycle.Save();
   EXPECT_TRUE(fs::exists(spc));
   EXPECT_TRUE(fs::exists(s.Work("site.MAC")));
-  ASSERT_TRUE(s.cycle.Close());
-
-  s.cycle.OpenRecent(1);
-  ASSERT_EQ(s.app.doc.SpcPath, spc);
-  EXPECT_EQ(s.app.doc.PointCount, 1);
-  ASSERT_TRUE(s.cycle.Close());
-  s.dialogs.files = {spc};
-  s.cycle.Open();
-  EXPECT_EQ(s.app.doc.PointCount, 1);
+  s.ReopenBothWays(spc, 1);
   EXPECT_EQ(s.app.doc.EntityTable.at(0).Name, "P1");
   EXPECT_TRUE(s.dialogs.Messages().empty()) << s.dialogs.Messages().front();
 }
@@ -217,9 +224,8 @@ TEST(DocumentCycle, DotBeforeTheFileNameIsShownBeforeAnythingIsWritten) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.legend);
-    TempHome home;
-    Session s(home.path);
-    s.cycle.Startup();
+    StartedSession s;
+    const TempHome& home = s.home;
     fs::create_directories(home.path / "v1.2" / "maps");
     fs::create_directories(home.path / ".hidden");
     if (c.saveAs) {
@@ -255,14 +261,7 @@ TEST_F(StartedCycle, DocumentNamedAfterItsFolderOpensAgain) {
   ASSERT_EQ(s.app.doc.SpcPath, spc);
   s.Measure(1);
   s.cycle.Save();
-  ASSERT_TRUE(s.cycle.Close());
-  s.cycle.OpenRecent(1);
-  EXPECT_EQ(s.app.doc.SpcPath, spc);
-  EXPECT_EQ(s.app.doc.PointCount, 1);
-  ASSERT_TRUE(s.cycle.Close());
-  s.dialogs.files = {spc};
-  s.cycle.Open();
-  EXPECT_EQ(s.app.doc.PointCount, 1);
+  s.ReopenBothWays(spc, 1);
   EXPECT_EQ(s.dialogs.Messages().size(), 1u);
 }
 
@@ -440,9 +439,7 @@ TEST(DocumentCycle, CloseAndExitWithChangesAskAndCancelKeepsEverything) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(::testing::Message() << (c.exit ? "exit" : "close") << " answer " << static_cast<int>(c.answer));
-    TempHome home;
-    Session s(home.path);
-    s.cycle.Startup();
+    StartedSession s;
     s.NewAt(s.Work("c.SPC"));
     s.Measure(2);
     s.dialogs.answers = {c.answer};
@@ -490,15 +487,11 @@ TEST(DocumentCycle, SettingsReachTheirOwnersAndSurviveARestart) {
     EXPECT_EQ(o.kind, "SET30R");  // the defaults reached the owners
     EXPECT_EQ(o.port, 1);
     EXPECT_EQ(o.autoName, 0);
-    o.kind = "GTS-211D";
-    o.port = 4;
-    o.autoName = -1;
+    o.kind = "GTS-211D", o.port = 4, o.autoName = -1;
     s.app.ini.MeasureMode = "GPS";
     s.app.ini.DxfTextScale = 2.5;  // nobody owns it yet
     s.NewAt(s.Work("legend.SPC"));
-    s.app.doc.CurrentLegend = 114;
-    s.app.doc.InstrumentHeight = 1.52;
-    s.app.doc.TargetHeight = 1.3;
+    s.app.doc.CurrentLegend = 114, s.app.doc.InstrumentHeight = 1.52, s.app.doc.TargetHeight = 1.3;
     EXPECT_EQ(s.app.ini.InstrumentKind, "GTS-211D");  // taking up a document collects
     EXPECT_TRUE(s.cycle.Exit());
   }
