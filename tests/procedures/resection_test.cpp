@@ -109,14 +109,18 @@ struct ResectDialog : testing::SurveyFixture {
     AddControl("P2", 1080, 2010, 51);
     AddControl("P3", 1000.05, 2000.01, 50);
   }
-  // Both points chosen, the heights typed and both observed as the instrument would.
-  void MeasureBoth(ResectDlgLogic& dlg, const char* first, const char* second, double h1, double h2) {
+  // Both points chosen and the heights typed.
+  void Prepare(ResectDlgLogic& dlg, const char* first, const char* second) {
     ASSERT_TRUE(dlg.Choose(0, first));
     ASSERT_TRUE(dlg.Choose(1, second));
     dlg.StationNameText = "R1";
     dlg.InstrumentHeightText = "1.45";
     dlg.TargetText[0] = "1.3";
     dlg.TargetText[1] = "1.6";
+  }
+  // Then both observed as the instrument would.
+  void MeasureBoth(ResectDlgLogic& dlg, const char* first, const char* second, double h1, double h2) {
+    Prepare(dlg, first, second);
     dlg.Measure(0);
     port.Receive(SetAnswerFor(Observe(first, 1000, 2000, h1, 1.3)));
     dlg.Measure(1);
@@ -173,11 +177,7 @@ TEST_F(ResectDialog, FaceTwoShotIsRefusedAndTheFaceOneShotIsTaken) {
     dialogs.shown.clear();
     link.obsBox.clear();
     ResectDlgLogic dlg(ctx, &port);
-    ASSERT_TRUE(dlg.Choose(0, "P1"));
-    ASSERT_TRUE(dlg.Choose(1, "P2"));
-    dlg.InstrumentHeightText = "1.45";
-    dlg.TargetText[0] = "1.3";
-    dlg.TargetText[1] = "1.6";
+    Prepare(dlg, "P1", "P2");
     const ResectSlot seen[2] = {Observe("P1", 1000, 2000, 50, 1.3), Observe("P2", 1080, 2010, 51, 1.6)};
     for (int i = 0; i < 2; ++i) {
       dlg.Measure(i);
