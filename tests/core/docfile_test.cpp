@@ -39,13 +39,11 @@ struct SpcFile {
   }
   SpcFile& AddEntity(int16_t code, int16_t kind, std::initializer_list<double> xyz, const std::string& name) {
     // xyz: X1, Y1, Z1, X2, Y2, Z2, X3, Y3, Z3 as given vertex by vertex.
-    double v[9] = {0};
-    int i = 0;
-    for (double d : xyz) v[i++] = d;
+    std::vector<double> v(xyz);
+    v.resize(9);
     body.Put(code).Put(kind);
-    for (int k = 0; k < 3; ++k) body.Put(v[3 * k]);
-    for (int k = 0; k < 3; ++k) body.Put(v[3 * k + 1]);
-    for (int k = 0; k < 3; ++k) body.Put(v[3 * k + 2]);
+    for (int axis = 0; axis < 3; ++axis)
+      for (int k = 0; k < 3; ++k) body.Put(v[3 * k + axis]);
     body.Text(name, 20);
     return *this;
   }

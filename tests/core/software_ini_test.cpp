@@ -34,11 +34,15 @@ std::string Join(const std::vector<std::string>& lines, std::size_t n, std::size
   return s;
 }
 
-}  // namespace
-
-TEST(SoftwareIni, WritesSeventyFourCp950LinesWithDefaults) {
+class SoftwareIniFile : public ::testing::Test {
+ protected:
   TempHome d;
   const fs::path f = d.path / "Software.ini";
+};
+
+}  // namespace
+
+TEST_F(SoftwareIniFile, WritesSeventyFourCp950LinesWithDefaults) {
   ASSERT_TRUE(WriteSoftwareIni(f, SoftwareIni{}));
   const std::string bytes = ReadBytes(f);
   // Every line ends in CR LF and the title is in code page 950, not UTF-8.
@@ -54,9 +58,7 @@ TEST(SoftwareIni, WritesSeventyFourCp950LinesWithDefaults) {
   EXPECT_EQ(lines[73], "\"宜蘭縣釣魚台地政事務所-戶地測量觀測記簿\"");
 }
 
-TEST(SoftwareIni, ChangedValuesReadBackExactly) {
-  TempHome d;
-  const fs::path f = d.path / "Software.ini";
+TEST_F(SoftwareIniFile, ChangedValuesReadBackExactly) {
   SoftwareIni a;
   a.MeasureMode = "GPS";
   a.PortNumber = 7;
@@ -77,9 +79,7 @@ TEST(SoftwareIni, ChangedValuesReadBackExactly) {
 
 // A file with any other count than 74 is deleted at start and the defaults stand; the
 // next exit writes a whole new one.
-TEST(SoftwareIni, WrongCountDeletesFileAndKeepsDefaults) {
-  TempHome d;
-  const fs::path f = d.path / "Software.ini";
+TEST_F(SoftwareIniFile, WrongCountDeletesFileAndKeepsDefaults) {
   SoftwareIni changed;
   changed.MeasureMode = "GPS";
   changed.PortNumber = 4;
@@ -108,10 +108,8 @@ TEST(SoftwareIni, WrongCountDeletesFileAndKeepsDefaults) {
   }
 }
 
-TEST(SoftwareIni, ValuesMayShareLinesAndBlankLinesAreIgnored) {
+TEST_F(SoftwareIniFile, ValuesMayShareLinesAndBlankLinesAreIgnored) {
   // The count is of values, not of lines: two values on one line still count as two.
-  TempHome d;
-  const fs::path f = d.path / "Software.ini";
   std::string s;
   int k = 0;
   const std::string all = SoftwareIniText(SoftwareIni{});
@@ -124,8 +122,7 @@ TEST(SoftwareIni, ValuesMayShareLinesAndBlankLinesAreIgnored) {
   EXPECT_TRUE(fs::exists(f));
 }
 
-TEST(SoftwareIni, MissingFileIsLeftAloneAndUnwritablePlaceFails) {
-  TempHome d;
+TEST_F(SoftwareIniFile, MissingFileIsLeftAloneAndUnwritablePlaceFails) {
   SoftwareIni ini;
   ini.PortNumber = 9;
   EXPECT_EQ(ReadSoftwareIni(d.path / "none.ini", ini), IniReadResult::Missing);

@@ -40,11 +40,6 @@ class JournalTest : public ::testing::Test {
     doc.SerialCounter = 12;
     wf.WriteRecoveryHeader(doc);
   }
-  std::vector<std::string> Titles() const {
-    std::vector<std::string> t;
-    for (const auto& s : dialogs.shown) t.push_back(s.title);
-    return t;
-  }
 };
 
 }  // namespace
@@ -218,10 +213,11 @@ TEST_F(JournalTest, DamagedJournalsStopAtTheBadLineAndPrompt) {
     ASSERT_TRUE(RecoverFromWorkFiles(r, wf, dialogs));
     EXPECT_EQ(r.PointCount, c.pointsRead);
     EXPECT_EQ(r.EntityCount, 1);
-    std::vector<std::string> want;
+    std::vector<std::string> want, titles;
     if (!c.title.empty()) want.push_back(c.title);
     want.push_back("有1個圖元資料毀損");
-    EXPECT_EQ(Titles(), want);
+    for (const auto& m : dialogs.shown) titles.push_back(m.title);
+    EXPECT_EQ(titles, want);
     EXPECT_EQ(dialogs.shown.back().text, "建議放棄這個檔案!");
     // The journals were rewritten clean: what is added next follows a whole line.
     AddPoint(r, view, wf, 7, 7, 7);
