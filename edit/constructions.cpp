@@ -263,16 +263,20 @@ void Editor::LeadPointPick(const PickHit& p) {
   }
   const std::size_t comma = answer->find(',');
   const auto azimuth = ReadPackedAngle(answer->substr(0, comma));
-  const auto distance =
-      comma == std::string::npos ? std::nullopt : num::ParseStrict(text::Trim(answer->substr(comma + 1)));
-  if (!azimuth || !distance || !std::isfinite(*distance) || *distance <= 0) {
+  // A plain double rather than an optional: GCC 12's optimiser takes the optional's
+  // value for uninitialised after the checks below and fails the release build.
+  double distance = 0;
+  if (comma != std::string::npos) {
+    if (const auto d = num::ParseStrict(text::Trim(answer->substr(comma + 1)))) distance = *d;
+  }
+  if (!azimuth || !std::isfinite(distance) || distance <= 0) {
     dialogs.MsgBox("方位角請以度分秒輸入,平距為正數,以逗點分隔,例如 1234512,15.3", "手動引點");
     return;  // the mode stays: the next pick tries again
   }
   const double a = PackedToRadians(*azimuth);
   SetMode("");
   // The led point keeps the height of the point it was led from.
-  AddNewPoint(p.E + *distance * std::sin(a), p.N + *distance * std::cos(a), doc.MapType == 1 ? p.H : 0);
+  AddNewPoint(p.E + distance * std::sin(a), p.N + distance * std::cos(a), doc.MapType == 1 ? p.H : 0);
 }
 
 void Editor::QueryDistancePick(const PickHit& p) {
