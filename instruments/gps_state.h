@@ -1,0 +1,58 @@
+// The process-wide GPS state: what the receiver said last, and the grid position made
+// of it. There is one receiver at a time. The sentence parsers fill it, the position
+// update converts it to the grid, and recording, stake-out and the RTK base read it.
+// The values survive a disconnect and keep their last values until the next sentence.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tavik {
+
+struct GpsState {
+  // The last complete line, its head rewritten to "$GP" when it was "$GN" or "$IN", and
+  // the copy of it that a parser splits and logs. UTF-8, as received (receivers speak ASCII).
+  std::string GpsLine;
+  std::string GpsLineCopy;
+
+  // Receiver kind chosen in the options: "PP7", "DL-RT2", "Flexpak", "DL-4", "Axis3",
+  // "單型GPS". "Axis3" logs #BESTPOSA but takes nothing from it, and its GSA sets the
+  // solution panel.
+  std::string GpsReceiverKind;
+
+  int32_t GpsWeek = 0;     // only from $PRTKA
+  double GpsSeconds = 0;   // seconds of the week (#BESTPOSA, $PRTKA); hhmmss.ss from GGA
+  double GpsLat = 0;       // degrees of the last #BESTPOSA or $PRTKA
+  double GpsLon = 0;
+  double GpsHeight = 0;    // metres, as the receiver gives it
+  double GpsSigmaE = 0, GpsSigmaN = 0, GpsSigmaH = 0;  // standard deviations, metres
+  std::string GpsFixText;  // the text now shown in Label6
+  double GpsHeading = 0;   // dual-antenna heading, radians; 0 means none
+  double GpsPDOP = 0, GpsHDOP = 0, GpsVDOP = 0;  // from GSA
+
+  // Satellites of the current GSV series. Rows: PRN, elevation and azimuth in degrees,
+  // signal-to-noise; columns 0..11 are used.
+  int16_t SatTable[4][17] = {};
+  int16_t SatStoredCount = 0;
+
+  // The RTK base logs raw data: "$POSA," lines then go to RawPath as well.
+  int16_t GpsRawLogging = 0;
+  std::string RawPath;  // the base's raw data file (*.GPS); raw sentences are appended to it
+
+  // The grid position (E, N) of the current and of the previous sentence, and the ground
+  // elevation under the antenna.
+  double GpsX = 0, GpsY = 0;
+  double GpsPrevX = 0, GpsPrevY = 0;
+  double GpsGround = 0;
+
+  // Position of the last record; 0, 0 when none. Recording sets it.
+  double LastRecordedX = 0, LastRecordedY = 0;
+
+  // The depth sounder in use with the receiver ("CEEECHO", "Ceastar", "HydroLite",
+  // "HydroBox", "E Sea Sound 206"; empty when none) and its last depth, metres. The
+  // ground elevation takes the depth off when a sounder is in use.
+  std::string SounderKind;
+  double SounderDepth = 0;
+};
+
+}  // namespace tavik
