@@ -14,6 +14,7 @@
 #include "core/app_paths.h"
 #include "core/durable_file.h"
 #include "core/numbers.h"
+#include "core/progress.h"
 #include "core/tables.h"
 #include "core/text.h"
 
@@ -109,7 +110,8 @@ class Bytes {
     }
   }
 
-  static constexpr std::size_t kWindow = 4 << 20;
+  // Small enough to stay in the processor's cache between the read and the decoding.
+  static constexpr std::size_t kWindow = 256 << 10;
   static constexpr std::size_t kMinWindow = 256;  // at least the largest record
   int fd_ = -1;
   uint64_t size_ = 0;
@@ -145,13 +147,19 @@ std::string GetText(const char* p, std::size_t width, bool cutAtNul = false) {
   }
   auto blank = [](char c) { return c == ' ' || c == '\0' || c == '\t' || c == '\r' || c == '\n'; };
   std::size_t b = 0, e = raw.size();
-  while (b < e && blank(raw[b])) ++b;
   while (e > b && blank(raw[e - 1])) --e;
-  bool ascii = true;
-  for (std::size_t i = b; i < e; ++i) ascii = ascii && static_cast<unsigned char>(raw[i]) < 0x80;
-  if (!ascii) return text::ReadFixedField(raw);
-  std::string s(raw.substr(b, e - b));
-  std::replace(s.begin(), s.end(), '\0', ' ');
+  if (e == 0) return {};  // a blank name, the commonest of all
+  while (b < e && blank(raw[b])) ++b;
+  // One pass for both questions: any byte above ASCII, any NUL inside the name.
+  unsigned char high = 0;
+  bool nul = false;
+  for (std::size_t i = b; i < e; ++i) {
+    high |= static_cast<unsigned char>(raw[i]);
+    nul |= raw[i] == '\0';
+  }
+  if (high & 0x80) return text::ReadFixedField(raw);
+  std::string s(raw.data() + b, e - b);
+  if (nul) std::replace(s.begin(), s.end(), '\0', ' ');
   return s;
 }
 
@@ -248,16 +256,17 @@ void PurgeZeroEntities(Document& doc) {
   }
 }
 
-bool SaveDocument(Document& doc, WorkFiles& wf, ui::Dialogs& dialogs) {
-  if (!WriteDocumentFile(doc, dialogs)) return false;
+bool SaveDocument(Document& doc, WorkFiles& wf, ui::Dialogs& dialogs, const ProgressSink& progress) {
+  if (!WriteDocumentFile(doc, dialogs, progress)) return false;
   wf.RemoveAll();
   return true;
 }
 
-bool WriteDocumentFile(Document& doc, ui::Dialogs& dialogs) {
+bool WriteDocumentFile(Document& doc, ui::Dialogs& dialogs, const ProgressSink& progress) {
   const std::size_t np = std::min<std::size_t>(doc.PointTable.size(), CountOf(doc.PointCount));
   const std::size_t ne = std::min<std::size_t>(doc.EntityTable.size(), CountOf(doc.EntityCount));
   const std::size_t nb = std::min<std::size_t>(doc.BaseMapTable.size(), CountOf(doc.BaseMapCount));
+  ProgressCount count(progress, static_cast<int64_t>(np + ne + nb));
   const fs::path spc = Existing(doc.SpcPath);
   const fs::path old = Existing(doc.OldPath);
   fs::path fresh = spc;
@@ -306,6 +315,7 @@ bool WriteDocumentFile(Document& doc, ui::Dialogs& dialogs) {
 
   int32_t pointsWritten = 0, entitiesWritten = 0;
   for (std::size_t i = 0; i < np; ++i) {
+    count.Add();
     const Point& pt = doc.PointTable[i];
     if (pt.Deleted) continue;
     char* p = out.Reserve(PointBytes);
@@ -316,6 +326,7 @@ bool WriteDocumentFile(Document& doc, ui::Dialogs& dialogs) {
     ++pointsWritten;
   }
   for (std::size_t i = 0; i < ne; ++i) {
+    count.Add();
     const Entity& e = doc.EntityTable[i];
     if (e.Deleted || (e.X[0] == e.X[1] && e.Y[0] == e.Y[1] && e.Z[0] == e.Z[1])) continue;
     char* p = out.Reserve(EntityBytes);
@@ -329,6 +340,7 @@ bool WriteDocumentFile(Document& doc, ui::Dialogs& dialogs) {
     ++entitiesWritten;
   }
   for (std::size_t i = 0; i < nb; ++i) {
+    count.Add();
     const BaseMapLine& b = doc.BaseMapTable[i];
     char* p = out.Reserve(EntityBytes);
     p = Put(p, b.Code);
@@ -366,7 +378,7 @@ bool WriteDocumentFile(Document& doc, ui::Dialogs& dialogs) {
   return true;
 }
 
-bool LoadDocument(Document& doc, ui::Dialogs& dialogs) {
+bool LoadDocument(Document& doc, ui::Dialogs& dialogs, const ProgressSink& progress) {
   Bytes file;
   if (!file.Open(Existing(doc.SpcPath))) {
     CannotRead(dialogs, doc.SpcPath, "讀檔動作取消");
@@ -414,10 +426,17 @@ bool LoadDocument(Document& doc, ui::Dialogs& dialogs) {
   char scratch[EntityBytes];
   uint64_t off = HeaderBytes;
   uint64_t n = file.Readable(off, h.points, PointBytes);
+  const uint64_t entitiesAt = off + CountOf(h.points) * PointBytes;
+  const uint64_t baseMapAt = entitiesAt + CountOf(h.entities) * EntityBytes;
+  const bool oldRecords = version <= 7221080 || tavik722;
+  const std::size_t baseMapBytes = oldRecords ? OldBaseMapBytes : EntityBytes;
+  ProgressCount count(progress, static_cast<int64_t>(n + file.Readable(entitiesAt, h.entities, EntityBytes) +
+                                                     file.Readable(baseMapAt, h.baseMap, baseMapBytes)));
   doc.PointTable.clear();
   doc.PointTable.reserve(n);
   PreferHugePages(doc.PointTable);
   for (uint64_t i = 0; i < n; ++i) {
+    count.Add();
     const char* r = file.At(off + i * PointBytes, PointBytes, scratch);
     Point p;
     p.E = Get<double>(r);
@@ -431,7 +450,7 @@ bool LoadDocument(Document& doc, ui::Dialogs& dialogs) {
   doc.DeletedPointCount = 0;
 
   // Entities.
-  off += CountOf(h.points) * PointBytes;
+  off = entitiesAt;
   n = file.Readable(off, h.entities, EntityBytes);
   doc.EntityTable.clear();
   doc.EntityTable.reserve(n);
@@ -439,6 +458,7 @@ bool LoadDocument(Document& doc, ui::Dialogs& dialogs) {
   doc.DeletedEntityCount = 0;
   ClearSplitValues(doc);
   for (uint64_t i = 0; i < n; ++i) {
+    count.Add();
     const char* r = file.At(off + i * EntityBytes, EntityBytes, scratch);
     const int16_t code = Get<int16_t>(r), kind = Get<int16_t>(r + 2);
     if (code < 1 || code > 999 || kind == 0) continue;
@@ -480,13 +500,13 @@ bool LoadDocument(Document& doc, ui::Dialogs& dialogs) {
   }
 
   // Base map: 72-byte records without Z in files of an old version.
-  off += CountOf(h.entities) * EntityBytes;
-  const bool oldRecords = version <= 7221080 || tavik722;
-  const std::size_t bytes = oldRecords ? OldBaseMapBytes : EntityBytes;
+  off = baseMapAt;
+  const std::size_t bytes = baseMapBytes;
   n = file.Readable(off, h.baseMap, bytes);
   doc.BaseMapTable.clear();
   doc.BaseMapTable.reserve(n);
   for (uint64_t i = 0; i < n; ++i) {
+    count.Add();
     const char* r = file.At(off + i * bytes, bytes, scratch);
     BaseMapLine b;
     b.Number = static_cast<int32_t>(i + 1);
@@ -505,7 +525,7 @@ bool LoadDocument(Document& doc, ui::Dialogs& dialogs) {
   return true;
 }
 
-bool ReadOldDocument(Document& doc, ui::Dialogs& dialogs) {
+bool ReadOldDocument(Document& doc, ui::Dialogs& dialogs, const ProgressSink& progress) {
   Bytes file;
   if (!file.Open(Existing(doc.SpPath))) {
     CannotRead(dialogs, doc.SpPath, "讀檔動作取消");
@@ -524,8 +544,12 @@ bool ReadOldDocument(Document& doc, ui::Dialogs& dialogs) {
 
   uint64_t off = SpHeaderBytes;
   uint64_t n = file.Readable(off, points, PointBytes);
+  const uint64_t itemsAt = off + CountOf(points) * PointBytes;
+  // The items are read twice: once for the entities, once for the base map.
+  ProgressCount count(progress, static_cast<int64_t>(n + 2 * file.Readable(itemsAt, items, SpItemBytes)));
   doc.PointTable.reserve(n);
   for (uint64_t i = 0; i < n; ++i) {
+    count.Add();
     const char* r = file.At(off + i * PointBytes, PointBytes, scratch);
     Point p;
     p.Number = static_cast<int32_t>(i + 1);
@@ -538,9 +562,10 @@ bool ReadOldDocument(Document& doc, ui::Dialogs& dialogs) {
 
   // Item record: CodeText (6 bytes), Kind, X[3], Y[3], Z[3], Name (20 bytes), and 8
   // bytes that nothing reads. Code 299 marks a line of the base map.
-  off += CountOf(points) * PointBytes;
+  off = itemsAt;
   n = file.Readable(off, items, SpItemBytes);
   for (uint64_t i = 0; i < n; ++i) {
+    count.Add();
     const char* r = file.At(off + i * SpItemBytes, SpItemBytes, scratch);
     const double code = num::ParseLenient(GetText(r, 6, true));
     if (code == 299) continue;
@@ -555,6 +580,7 @@ bool ReadOldDocument(Document& doc, ui::Dialogs& dialogs) {
   }
   doc.EntityCount = static_cast<int32_t>(doc.EntityTable.size());
   for (uint64_t i = 0; i < n; ++i) {
+    count.Add();
     const char* r = file.At(off + i * SpItemBytes, SpItemBytes, scratch);
     if (num::ParseLenient(GetText(r, 6, true)) != 299) continue;
     BaseMapLine b;
@@ -568,7 +594,8 @@ bool ReadOldDocument(Document& doc, ui::Dialogs& dialogs) {
   return true;
 }
 
-bool MergeDocumentRecords(Document& doc, WorkFiles& wf, const std::string& path, ui::Dialogs& dialogs) {
+bool MergeDocumentRecords(Document& doc, WorkFiles& wf, const std::string& path, ui::Dialogs& dialogs,
+                          const ProgressSink& progress) {
   Bytes file;
   if (!file.Open(Existing(path))) {
     CannotRead(dialogs, path, "合併動作取消");
@@ -583,8 +610,11 @@ bool MergeDocumentRecords(Document& doc, WorkFiles& wf, const std::string& path,
   char scratch[EntityBytes];
   uint64_t off = HeaderBytes;
   uint64_t n = file.Readable(off, h.points, PointBytes);
+  const uint64_t entitiesAt = off + CountOf(h.points) * PointBytes;
+  ProgressCount count(progress, static_cast<int64_t>(n + file.Readable(entitiesAt, h.entities, EntityBytes)));
   doc.PointTable.resize(std::min<std::size_t>(doc.PointTable.size(), CountOf(doc.PointCount)));
   for (uint64_t i = 0; i < n; ++i) {
+    count.Add();
     if (i < CountOf(doc.ReferencePointCount)) continue;
     const char* r = file.At(off + i * PointBytes, PointBytes, scratch);
     Point p;
@@ -594,10 +624,11 @@ bool MergeDocumentRecords(Document& doc, WorkFiles& wf, const std::string& path,
     p.H = Get<double>(r + 16);
     doc.PointTable.push_back(p);
   }
-  off += CountOf(h.points) * PointBytes;
+  off = entitiesAt;
   n = file.Readable(off, h.entities, EntityBytes);
   doc.EntityTable.resize(std::min<std::size_t>(doc.EntityTable.size(), CountOf(doc.EntityCount)));
   for (uint64_t i = 0; i < n; ++i) {
+    count.Add();
     if (i < CountOf(doc.ReferenceEntityCount)) continue;
     const char* r = file.At(off + i * EntityBytes, EntityBytes, scratch);
     Entity e;

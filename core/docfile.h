@@ -13,6 +13,7 @@
 #include <string>
 
 #include "core/document.h"
+#include "core/progress.h"
 #include "core/view_state.h"
 #include "core/workfiles.h"
 #include "platform/dialogs.h"
@@ -34,16 +35,18 @@ void PurgeZeroEntities(Document& doc);
 // the numbers written, the deleted counts 0 (the rows are not compacted: the caller
 // reloads), and the work files are removed. A failed write shows a message, leaves the
 // previous .SPC and the tables as they were, and returns false.
-bool SaveDocument(Document& doc, WorkFiles& wf, ui::Dialogs& dialogs);
+// progress hears of the records written; a save is never stopped half-way.
+bool SaveDocument(Document& doc, WorkFiles& wf, ui::Dialogs& dialogs, const ProgressSink& progress = {});
 
 // SaveDocument without the work files: for writing a document that is not the open one
 // (the command-line conversion).
-bool WriteDocumentFile(Document& doc, ui::Dialogs& dialogs);
+bool WriteDocumentFile(Document& doc, ui::Dialogs& dialogs, const ProgressSink& progress = {});
 
 // Reads doc.SpcPath into the tables, with every filter and version rule of the format.
 // A file whose three counts are all 0: SpcPath + "檔案沒有內容" under "讀檔動作取消",
 // false, tables untouched. Sets MapChanged when it had to drop entities.
-bool LoadDocument(Document& doc, ui::Dialogs& dialogs);
+// progress hears of the records read, out of the records the file holds.
+bool LoadDocument(Document& doc, ui::Dialogs& dialogs, const ProgressSink& progress = {});
 
 // The view steps that close LoadOldDocument and MergeDocument (fitting the view to the
 // extent and rebuilding the screen tables) are the map view's: those two routines are
@@ -51,11 +54,12 @@ bool LoadDocument(Document& doc, ui::Dialogs& dialogs);
 
 // Reads doc.SpPath (the older format) into the tables: MapType, every point, the items
 // as entities, and the items of code 299 as base-map lines. The station is cleared.
-bool ReadOldDocument(Document& doc, ui::Dialogs& dialogs);
+bool ReadOldDocument(Document& doc, ui::Dialogs& dialogs, const ProgressSink& progress = {});
 
 // Appends the points and entities of another .SPC, past the open document's reference
 // map rows, and rewrites the three work files. A file with no entities: doc.SpcPath +
 // "檔案沒有內容" under "合併動作取消", false.
-bool MergeDocumentRecords(Document& doc, WorkFiles& wf, const std::string& path, ui::Dialogs& dialogs);
+bool MergeDocumentRecords(Document& doc, WorkFiles& wf, const std::string& path, ui::Dialogs& dialogs,
+                          const ProgressSink& progress = {});
 
 }  // namespace tavik
