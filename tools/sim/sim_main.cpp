@@ -1,7 +1,8 @@
 // tavik-sim: plays a total station on a pseudo-terminal (or a given serial device).
 // It prints the device path for TAVIK's COM port on its first line, then answers the
 // family's requests from a scene. Commands on standard input: fire, next, target N,
-// fault KIND, pull (the cable is pulled), quit.
+// fault KIND, pull (the cable is pulled), quit. With --gnss KIND it plays a GNSS
+// receiver instead (gnss_main.cpp).
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
@@ -17,6 +18,8 @@
 #include <string>
 
 #include "tools/sim/instrument.h"
+#include "tools/sim/gnss.h"
+#include "tools/sim/pty.h"
 
 namespace {
 
@@ -26,35 +29,15 @@ const char* kUsage =
     "usage: tavik-sim --scene FILE [--family SET|GTS22X|GTS211D|Leica|Trimble|Trimble3600|PENTAX]\n"
     "                 [--device PATH] [--fault KIND[@N]] [--garbage N] [--hold] [--auto MS]\n"
     "                 [--record FILE] [--model NAME] [--serial N] [--verbose]\n"
-    "faults: e200 tilt garbled half silence face2 disconnect\n";
-
-void MakeRaw(int fd) {
-  termios t{};
-  if (tcgetattr(fd, &t) != 0) return;
-  cfmakeraw(&t);
-  tcsetattr(fd, TCSANOW, &t);
-}
-
-bool WriteAll(int fd, const std::string& bytes) {
-  std::size_t done = 0;
-  while (done < bytes.size()) {
-    ssize_t n = write(fd, bytes.data() + done, bytes.size() - done);
-    if (n < 0) {
-      if (errno == EINTR || errno == EAGAIN) {
-        usleep(1000);
-        continue;
-      }
-      return false;
-    }
-    done += static_cast<std::size_t>(n);
-  }
-  return true;
-}
+    "faults: e200 tilt garbled half silence face2 disconnect\n"
+    "       tavik-sim --gnss KIND ... (tavik-sim --gnss --help)\n";
 
 }  // namespace
 
 int main(int argc, char** argv) {
   signal(SIGPIPE, SIG_IGN);
+  for (int i = 1; i < argc; ++i)
+    if (std::string(argv[i]) == "--gnss") return GnssMain(argc, argv);
   std::string familyName = "SET", scenePath, device, faultText, recordPath;
   Options options;
   int autoMs = -1;
@@ -118,29 +101,10 @@ int main(int argc, char** argv) {
     instrument.Arm(f, at);
   }
 
-  int fd = -1, slave = -1;
-  std::string path;
-  if (device.empty()) {
-    fd = posix_openpt(O_RDWR | O_NOCTTY);
-    if (fd < 0 || grantpt(fd) != 0 || unlockpt(fd) != 0) {
-      std::perror("posix_openpt");
-      return 1;
-    }
-    path = ptsname(fd);
-    // Holding the slave open keeps the line alive while TAVIK closes and reopens its
-    // port (Topcon does so for every shot), and lets us make it raw from the start.
-    slave = open(path.c_str(), O_RDWR | O_NOCTTY);
-    if (slave >= 0) MakeRaw(slave);
-  } else {
-    fd = open(device.c_str(), O_RDWR | O_NOCTTY);
-    if (fd < 0) {
-      std::perror(device.c_str());
-      return 1;
-    }
-    MakeRaw(fd);
-    path = device;
-  }
-  std::cout << path << std::endl;
+  Line lineEnd;
+  if (!OpenLine(device, lineEnd)) return 1;
+  const int fd = lineEnd.fd, slave = lineEnd.slave;
+  std::cout << lineEnd.path << std::endl;
 
   std::ofstream record;
   if (!recordPath.empty()) record.open(recordPath, std::ios::binary | std::ios::app);
