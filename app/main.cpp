@@ -14,6 +14,7 @@
 #include "app/program.h"
 #include "core/app_paths.h"
 #include "core/instance_lock.h"
+#include "export/symbol_library.h"
 #include "platform/qt/qt_dialogs.h"
 
 int main(int argc, char** argv) {
@@ -37,6 +38,9 @@ int main(int argc, char** argv) {
 
   tavik::AppPaths paths = tavik::AppPaths::FromEnvironment();
   paths.EnsureFolders();
+  // The symbol library ships with the program; the data folder gets its own copy, which
+  // the surveyor may edit, with whatever blocks it lacks.
+  tavik::dxf::InstallSymbolLibrary(paths);
 
   tavik::InstanceLock lock;
   tavik::ui::QtDialogs refusal;

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "core/document.h"
+
 namespace tavik::tool {
 
 using Args = std::vector<std::string>;
@@ -20,5 +22,9 @@ void Register(const Command& c);
 struct Registrar {
   explicit Registrar(const Command& c) { Register(c); }
 };
+
+// Reads a .SPC or .SP as the program opens it. Empty on success, else the reason it
+// was refused (the program's own message).
+std::string ReadDocument(const std::string& path, Document& doc);
 
 }  // namespace tavik::tool

@@ -205,4 +205,7 @@ const Registrar dump({"dump", "FILE.SPC|FILE.SP   the document as JSON", Dump});
 const Registrar convert({"convert", "OLD.SP NEW.SPC   save an older document in the current format", Convert});
 
 }  // namespace
+
+std::string ReadDocument(const std::string& path, Document& doc) { return Read(path, doc); }
+
 }  // namespace tavik::tool

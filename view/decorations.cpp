@@ -7,47 +7,43 @@
 #include "view/arc_geometry.h"
 
 namespace tavik::view {
+
+LineDecoration LineDecorationOf(int code) {
+  switch (code) {
+    case 211: return {LineMark::TicksLeft, 8, 4};           // fence
+    case 408: return {LineMark::Rings, 8, 2};               // stone wall
+    case 409: return {LineMark::TicksBoth, 8, 3};           // board wall
+    case 410: return {LineMark::Rings, 10, 1.5};            // iron railing
+    case 411: return {LineMark::TicksLeft, 10, 2};          // cement fence
+    case 412: return {LineMark::Crosses, 12, 3};            // barbed wire
+    case 413: return {LineMark::RingsLeft, 8, 2};           // hedge
+    case 414: return {LineMark::TicksBoth, 6, 2};           // bamboo fence
+    case 415: return {LineMark::TicksLeft, 12, 5};          // wooden fence
+    case 510: return {LineMark::TicksLeft, 5, 5};           // earth bank, hachures
+    case 603: return {LineMark::TicksBoth, 20, 3};          // power line
+    case 606: return {LineMark::Rings, 20, 1.5};            // telephone line
+    case 607: return {LineMark::TicksLeft, 20, 4};          // cable
+    case 613: return {LineMark::Letter, 0, 10, "水"};       // water main
+    case 622: return {LineMark::Letter, 0, 10, "油"};       // oil pipe
+    case 623: return {LineMark::Letter, 0, 10, "瓦"};       // gas pipe
+    case 817: return {LineMark::TicksBoth, 10, 3};          // railway
+    case 819: return {LineMark::TicksBoth, 14, 2};          // light railway
+    case 846: return {LineMark::TicksLeft, 6, 4};           // retaining wall
+    case 847: return {LineMark::RingsLeft, 7, 1.5};         // stone bank
+    case 905: return {LineMark::TicksBoth, 10, 3};          // ditch
+    case 921: return {LineMark::TicksBoth, 6, 4};           // embankment
+    default: return {};
+  }
+}
+
 namespace {
+
+using Mark = LineMark;
+using Decoration = LineDecoration;
 
 struct Pt {
   double x, y;
 };
-
-// What a code puts along its line, in pixels.
-enum class Mark { None, TicksLeft, TicksBoth, Crosses, Rings, RingsLeft, Letter };
-struct Decoration {
-  Mark mark = Mark::None;
-  double spacing = 10, size = 4;
-  const char* letter = "";
-};
-
-Decoration DecorationOf(int code) {
-  switch (code) {
-    case 211: return {Mark::TicksLeft, 8, 4};           // fence
-    case 408: return {Mark::Rings, 8, 2};               // stone wall
-    case 409: return {Mark::TicksBoth, 8, 3};           // board wall
-    case 410: return {Mark::Rings, 10, 1.5};            // iron railing
-    case 411: return {Mark::TicksLeft, 10, 2};          // cement fence
-    case 412: return {Mark::Crosses, 12, 3};            // barbed wire
-    case 413: return {Mark::RingsLeft, 8, 2};           // hedge
-    case 414: return {Mark::TicksBoth, 6, 2};           // bamboo fence
-    case 415: return {Mark::TicksLeft, 12, 5};          // wooden fence
-    case 510: return {Mark::TicksLeft, 5, 5};           // earth bank, hachures
-    case 603: return {Mark::TicksBoth, 20, 3};          // power line
-    case 606: return {Mark::Rings, 20, 1.5};            // telephone line
-    case 607: return {Mark::TicksLeft, 20, 4};          // cable
-    case 613: return {Mark::Letter, 0, 10, "水"};       // water main
-    case 622: return {Mark::Letter, 0, 10, "油"};       // oil pipe
-    case 623: return {Mark::Letter, 0, 10, "瓦"};       // gas pipe
-    case 817: return {Mark::TicksBoth, 10, 3};          // railway
-    case 819: return {Mark::TicksBoth, 14, 2};          // light railway
-    case 846: return {Mark::TicksLeft, 6, 4};           // retaining wall
-    case 847: return {Mark::RingsLeft, 7, 1.5};         // stone bank
-    case 905: return {Mark::TicksBoth, 10, 3};          // ditch
-    case 921: return {Mark::TicksBoth, 6, 4};           // embankment
-    default: return {};
-  }
-}
 
 constexpr double kMaxDecoratedLength = 200000;  // pixels; beyond, the line stays plain
 
@@ -159,7 +155,7 @@ void DashedArc(MapCanvas& c, double cx, double cy, double r, double a1, double s
 
 void DrawLegendLine(MapCanvas& c, int kind, int code, double x1, double y1, double x2, double y2, double x3,
                     double y3) {
-  const Decoration d = DecorationOf(code);
+  const Decoration d = LineDecorationOf(code);
   if (d.mark == Mark::None) return;
   if (kind == KindLine) {
     if (!std::isfinite(x1) || !std::isfinite(y1) || !std::isfinite(x2) || !std::isfinite(y2)) return;

@@ -16,6 +16,17 @@ void DrawLegendLine(MapCanvas& c, int kind, int code, double x1, double y1, doub
 void DrawLegendLineWorld(MapCanvas& c, int row, int kind, int code, double E1, double N1, double E2, double N2,
                          double E3, double N3);
 
+// What a decorated line repeats along itself, in pixels: the mark, its spacing and size
+// (and the letter a pipe carries once at its middle). Ticks and rings on the left go to
+// the left of the direction of travel.
+enum class LineMark { None, TicksLeft, TicksBoth, Crosses, Rings, RingsLeft, Letter };
+struct LineDecoration {
+  LineMark mark = LineMark::None;
+  double spacing = 10, size = 4;
+  const char* letter = "";
+};
+LineDecoration LineDecorationOf(int code);
+
 // Wall thickness and dash lengths of the world styles, metres.
 constexpr double WallThickness = 0.25;
 constexpr double DirtRoadDash = 2, DirtRoadGap = 1;

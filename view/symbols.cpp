@@ -23,11 +23,7 @@
 namespace tavik::view {
 namespace {
 
-struct Op {
-  char kind;
-  std::vector<double> v;
-  std::string text;
-};
+using Op = GlyphOp;
 using Glyph = std::vector<Op>;
 
 const std::map<int, const char*>& Scripts() {
@@ -228,6 +224,12 @@ void Play(MapCanvas& c, const Glyph& g, double x, double y) {
 }
 
 }  // namespace
+
+const std::vector<GlyphOp>* GlyphOps(int code) {
+  if (!HasSymbolGlyph(code)) return nullptr;
+  auto it = Glyphs().find(GlyphOf(code));
+  return it == Glyphs().end() ? nullptr : &it->second;
+}
 
 int GlyphOf(int code) {
   switch (code) {
