@@ -45,9 +45,9 @@ struct GpsPanels {
   std::string Label18;  // GPS高程
   std::string Label22;  // 地盤高
   std::array<std::string, 2> Label21;  // the two depth labels; with an IMU, the inertial status
-  // The raw line display. Connecting turns it black with white text, stopping turns it
-  // white with black text and empties it.
-  PanelLabel OBSBox{"", colour::White, colour::Black};
+  // The raw line display. Its colours belong to the link: black with white text while
+  // receiving, white with black text when stopped.
+  std::string OBSBox;
   // The number in the RTK base dialog's Label6: raw lines written to RawPath.
   int32_t RawCount = 0;
 };

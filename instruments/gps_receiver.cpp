@@ -117,8 +117,8 @@ std::string Degrees(double v) { return num::Format(v, "0.00") + "度"; }
 
 }  // namespace
 
-GpsReceiver::GpsReceiver(GpsState& gps, Document& doc, const GpsDatumSettings& datum)
-    : gps_(gps), doc_(doc), datum_(datum) {}
+GpsReceiver::GpsReceiver(GpsState& gps, const GnssSetup& setup, Document& doc, const GpsDatumSettings& datum)
+    : gps_(gps), setup_(setup), doc_(doc), datum_(datum) {}
 
 const std::string& GpsReceiver::LineBuffer(Port port) const {
   switch (port) {
@@ -158,7 +158,7 @@ void GpsReceiver::Refresh() {
 }
 
 void GpsReceiver::ClearOBSBox() {
-  panels_.OBSBox = PanelLabel{"", colour::White, colour::Black};
+  panels_.OBSBox.clear();
   changed_ = true;
   Refresh();
 }
@@ -166,7 +166,7 @@ void GpsReceiver::ClearOBSBox() {
 void GpsReceiver::ShowInOBSBox(const std::string& line) {
   std::size_t end = line.size();
   while (end > 0 && (line[end - 1] == '\r' || line[end - 1] == '\n')) --end;
-  panels_.OBSBox.Caption.assign(line, 0, end);
+  panels_.OBSBox.assign(line, 0, end);
   changed_ = true;
 }
 
@@ -255,7 +255,7 @@ void GpsReceiver::Ceastar_OnComm(char c) {
   CeastarLineBuffer.push_back('\r');
   std::string line = Inside(CeastarLineBuffer);
   CeastarLineBuffer.clear();
-  if (gps_.SounderKind == "Ceastar") {
+  if (setup_.SounderKind == "Ceastar") {
     if (hooks.SounderLine) hooks.SounderLine(line);
     return;
   }
@@ -349,7 +349,7 @@ void GpsReceiver::BESTPOSA_data() {
   if (f.LastIndex() != 29) return;
   gps_.GpsLineCopy = gps_.GpsLine;
   AppendGobs(gps_.GpsLineCopy);
-  if (gps_.GpsReceiverKind == "Axis3") return;
+  if (setup_.GpsReceiverKind == "Axis3") return;
 
   gps_.GpsSeconds = Strict(f[6]);
   gps_.GpsLat = Strict(f[11]);
@@ -570,7 +570,7 @@ void GpsReceiver::GPGSA_data() {
   const std::string& line = gps_.GpsLine;
   if (line.empty() || line[0] != '$') return;
   Fields f(line);
-  if (gps_.GpsReceiverKind == "Axis3") {
+  if (setup_.GpsReceiverKind == "Axis3") {
     std::string_view mode = f[2];
     if (mode == "1") {
       panels_.Label8.Caption = "無法定位";
@@ -681,7 +681,7 @@ void GpsReceiver::GpsPositionUpdate(double Lon, double Lat, double Height) {
     double dx = gps_.GpsX - gps_.LastRecordedX, dy = gps_.GpsY - gps_.LastRecordedY;
     panels_.Label3 = Coord(std::sqrt(dx * dx + dy * dy));
   }
-  gps_.GpsGround = gps_.SounderKind.empty()
+  gps_.GpsGround = setup_.SounderKind.empty()
                        ? Height - doc_.InstrumentHeight
                        : Height - doc_.InstrumentHeight - doc_.TargetHeight - gps_.SounderDepth;
   panels_.Label22 = Coord(gps_.GpsGround);

@@ -22,6 +22,7 @@
 
 #include "core/document.h"
 #include "geo/datum.h"
+#include "instruments/gnss_commands.h"
 #include "instruments/gps_panels.h"
 #include "instruments/gps_state.h"
 
@@ -35,9 +36,9 @@ class GpsReceiver {
 
   enum class Port { MSComm1, MSComm_Axis3, Ceastar };
 
-  // The state, the open document (GOBS path, antenna height, station) and the datum are
-  // read at each sentence; none is owned.
-  GpsReceiver(GpsState& gps, Document& doc, const GpsDatumSettings& datum);
+  // The state, the receiver set-up (kind, sounder), the open document (GOBS path,
+  // antenna height, station) and the datum are read at each sentence; none is owned.
+  GpsReceiver(GpsState& gps, const GnssSetup& setup, Document& doc, const GpsDatumSettings& datum);
 
   GpsPanelView* view = nullptr;
 
@@ -94,7 +95,7 @@ class GpsReceiver {
   // Shows the panels (and the sky plot when it changed) on the view.
   void Refresh();
 
-  // Stopping reception: OBSBox empty, white with black text.
+  // Stopping reception empties OBSBox.
   void ClearOBSBox();
 
   // Characters gathered so far on a port, for tests.
@@ -109,6 +110,7 @@ class GpsReceiver {
   void RewriteHead();
 
   GpsState& gps_;
+  const GnssSetup& setup_;
   Document& doc_;
   const GpsDatumSettings& datum_;
   GpsPanels panels_;

@@ -15,11 +15,6 @@ struct GpsState {
   std::string GpsLine;
   std::string GpsLineCopy;
 
-  // Receiver kind chosen in the options: "PP7", "DL-RT2", "Flexpak", "DL-4", "Axis3",
-  // "單型GPS". "Axis3" logs #BESTPOSA but takes nothing from it, and its GSA sets the
-  // solution panel.
-  std::string GpsReceiverKind;
-
   int32_t GpsWeek = 0;     // only from $PRTKA
   double GpsSeconds = 0;   // seconds of the week (#BESTPOSA, $PRTKA); hhmmss.ss from GGA
   double GpsLat = 0;       // degrees of the last #BESTPOSA or $PRTKA
@@ -48,10 +43,8 @@ struct GpsState {
   // Position of the last record; 0, 0 when none. Recording sets it.
   double LastRecordedX = 0, LastRecordedY = 0;
 
-  // The depth sounder in use with the receiver ("CEEECHO", "Ceastar", "HydroLite",
-  // "HydroBox", "E Sea Sound 206"; empty when none) and its last depth, metres. The
-  // ground elevation takes the depth off when a sounder is in use.
-  std::string SounderKind;
+  // The sounder's last depth, metres; the ground elevation takes it off when a sounder
+  // is in use.
   double SounderDepth = 0;
 };
 
