@@ -6,6 +6,7 @@
 #include <QFile>
 
 #include "app/edit_wiring.h"
+#include "app/export_menu.h"
 #include "app/gpsinitdlg.h"
 #include "app/survey_panel.h"
 #include "app/survey_station.h"
@@ -73,6 +74,7 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
     survey->panel()->SetEnabled("RecButton", recButton);
   };
   survey->MakePort = [this] { return std::make_unique<tavik::ui::QtSerialPort>(&store); };
+  exports = new ExportMenu(*this);
 
   // Save, Close, Exit and every full repaint stop the blinking mark of the last point;
   // Close and Exit let go of the instrument's ports, which the next request opens again.

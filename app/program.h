@@ -17,6 +17,7 @@
 class SurveyStation;
 
 class EditWiring;
+class ExportMenu;
 
 class Program {
  public:
@@ -42,6 +43,8 @@ class Program {
   // The pen on the map (pointer machine, keys, toolbars), once made; other parts plug
   // their pointer modes into edit->Host().Plugs and start them with edit->Editor().
   EditWiring* edit = nullptr;
+  // The 匯出 menu: DXF drawing, CSV side tables, text report (owned by the window).
+  ExportMenu* exports = nullptr;
 
   ~Program();
   // --demo: a fresh demo document from the simulator's scene file, opened at once.

@@ -79,7 +79,9 @@ std::string ReportTimeNow() {
 
 std::string DocumentReportText(const Document& doc, int16_t areaUnit, const std::string& when) {
   std::string out;
-  auto line = [&out](const std::string& s) { out += s + "\r\n"; };
+  auto line = [&out](const std::string& s) {
+    out += s.substr(0, s.find_last_not_of(' ') + 1) + "\r\n";
+  };
   auto rule = [&line] { line(std::string(72, '-')); };
 
   line(std::string("TAVIK ") + ReportTitle);

@@ -49,10 +49,10 @@ class MainFrmTest : public QObject {
     p.app.paths.EnsureFolders();
     p.Start();
     QCOMPARE(p.frm.windowTitle(), QString("TAVIK"));
-    // Export and the base maps have nothing to offer yet and stay out of the bar; every
-    // menu shown offers at least one item.
+    // The base maps have nothing to offer yet and stay out of the bar; every menu shown
+    // offers at least one item.
     QCOMPARE(MenuCaptions(p.frm.menuBar()), QStringList({"檔案(&F)", "測量(&M)", "編輯(&E)", "檢視(&V)", "匯入(&I)",
-                                                         "工具(&U)", "設定(&T)", "收工(&D)"}));
+                                                         "匯出(&X)", "工具(&U)", "設定(&T)", "收工(&D)"}));
     for (QAction* m : p.frm.menuBar()->actions()) {
       if (!m->isVisible()) continue;
       int items = 0;

@@ -1,0 +1,68 @@
+#include "app/export_menu.h"
+
+#include <QAction>
+#include <QMenu>
+
+#include "app/dxfoutput.h"
+#include "app/edit_wiring.h"
+#include "app/program.h"
+#include "export/document_report.h"
+#include "export/side_tables.h"
+#include "export/symbol_library.h"
+
+ExportMenu::ExportMenu(Program& program) : QObject(&program.frm), program_(program) {
+  setObjectName("ExportMenu");
+  QMenu* menu = program.frm.Menu("MainMnuExport");
+  if (menu == nullptr) return;
+  auto add = [&](const char* name, const char* caption, void (ExportMenu::*run)()) {
+    QAction* a = menu->addAction(QString::fromUtf8(caption));
+    a->setObjectName(name);
+    connect(a, &QAction::triggered, this, run);
+  };
+  add("MainMnuDXFOutput", "輸出 DXF 圖檔...", &ExportMenu::OpenDXFOutput);
+  menu->addSeparator();
+  add("MainMnuPointTableCsv", "控制點樁位表(CSV)", &ExportMenu::PointTable);
+  add("MainMnuClassTableCsv", "分類樁位表(CSV)", &ExportMenu::ClassTable);
+  menu->addSeparator();
+  add("MainMnuReport", "圖檔報表(TXT)...", &ExportMenu::Report);
+}
+
+int16_t& ExportMenu::AreaUnit() {
+  return program_.edit ? program_.edit->Editor().Area.AreaUnit : areaUnitAlone_;
+}
+
+void ExportMenu::OpenDXFOutput() {
+  if (!program_.app.doc.IsOpen()) return;
+  DXFOutput dlg(program_.app.doc, memory_, AreaUnit(), program_.dialogs, program_.app.paths.WorkFolder(),
+                tavik::dxf::SymbolLibraryFolder(program_.app.paths), &program_.frm);
+  if (dlg.exec() == QDialog::Accepted && !dlg.Outcome().isEmpty()) program_.frm.SetPrompt(dlg.Outcome().toStdString());
+}
+
+namespace {
+// The side tables go into the document's own folder, beside its drawing.
+std::filesystem::path DocumentFolder(const tavik::Document& doc) {
+  return std::filesystem::path(doc.DocumentName).parent_path();
+}
+}  // namespace
+
+void ExportMenu::PointTable() {
+  if (!program_.app.doc.IsOpen()) return;
+  const auto r = tavik::dxf::WritePointTableCsv(program_.app.doc, DocumentFolder(program_.app.doc));
+  program_.dialogs.MsgBox(r.message, tavik::dxf::TablesTitle);
+}
+
+void ExportMenu::ClassTable() {
+  if (!program_.app.doc.IsOpen()) return;
+  const auto r = tavik::dxf::WriteClassTableCsv(program_.app.doc, DocumentFolder(program_.app.doc));
+  program_.dialogs.MsgBox(r.message, tavik::dxf::TablesTitle);
+}
+
+void ExportMenu::Report() {
+  const tavik::Document& doc = program_.app.doc;
+  if (!doc.IsOpen()) return;
+  const std::string path = program_.dialogs.SaveFileName(tavik::dxf::ReportTitle, "文字檔(*.TXT)|*.TXT", doc.TxtPath);
+  if (path.empty()) return;
+  const std::string why = tavik::dxf::WriteDocumentReport(doc, AreaUnit(), path, tavik::dxf::ReportTimeNow());
+  program_.dialogs.MsgBox(why.empty() ? "[" + std::filesystem::path(path).filename().string() + "] 圖檔報表輸出完成" : why,
+                          tavik::dxf::TablesTitle);
+}

@@ -1,0 +1,57 @@
+// The 匯出 menu on an open document: the side tables land beside the document, the
+// report where the file dialog says, each with its message.
+#include <QAction>
+#include <QtTest>
+#include <filesystem>
+
+#include "app/edit_wiring.h"
+#include "app/program.h"
+#include "core/tables.h"
+#include "core/temp_home.h"
+#include "platform/scripted/scripted.h"
+
+namespace fs = std::filesystem;
+
+class ExportMenuTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void tablesAndReportFromTheMenu() {
+    tavik::testing::TempHome home;
+    tavik::ui::ScriptedDialogs dialogs;
+    Program p(tavik::AppPaths{home.path}, &dialogs);
+    EditWiring w(p);
+    p.app.paths.EnsureFolders();
+    p.Start();
+    const fs::path folder = p.app.paths.WorkFolder();
+    dialogs.files = {(folder / "丙地.SPC").string()};
+    p.frm.Command("MainMnuNew")->trigger();
+    QVERIFY(p.app.doc.IsOpen());
+    const double E = p.app.doc.ViewCentreE, N = p.app.doc.ViewCentreN;
+    QVERIFY(tavik::AddEntity(p.app.doc, p.app.view, p.app.work, 110, E, N, 12.5, "T1"));
+    QVERIFY(tavik::AddEntity(p.app.doc, p.app.view, p.app.work, 602, E + 1, N, 11, "M1"));
+    dialogs.shown.clear();
+
+    auto trigger = [&p](const char* name) {
+      QAction* a = p.frm.findChild<QAction*>(name);
+      QVERIFY2(a && a->isVisible(), name);
+      a->trigger();
+    };
+    trigger("MainMnuPointTableCsv");
+    trigger("MainMnuClassTableCsv");
+    QCOMPARE(dialogs.Messages(), std::vector<std::string>({"[控制點樁位表.CSV] 檔輸出OK!! 總共1支樁",
+                                                           "[分類樁位表.CSV] 輸出完成!! 總共1支樁"}));
+    QCOMPARE(dialogs.shown.back().title, std::string("檔案輸出"));
+    QVERIFY(fs::exists(folder / "控制點樁位表.CSV"));
+    QVERIFY(fs::exists(folder / "分類樁位表.CSV"));
+
+    dialogs.files = {(folder / "日報.TXT").string()};
+    trigger("MainMnuReport");
+    QCOMPARE(dialogs.shown.back().text, std::string("[日報.TXT] 圖檔報表輸出完成"));
+    QVERIFY(fs::file_size(folder / "日報.TXT") > 0);
+    QVERIFY(p.frm.findChild<QAction*>("MainMnuDXFOutput"));
+  }
+};
+
+QTEST_MAIN(ExportMenuTest)
+#include "export_menu_test.moc"
