@@ -151,6 +151,31 @@ bool ReplaceDurably(const fs::path& path, std::string_view bytes) {
   return true;
 }
 
+namespace {
+fs::path Beside(const fs::path& path) {
+  fs::path tmp = path;
+  tmp += "~new";
+  return tmp;
+}
+}  // namespace
+
+ReplacingFile::ReplacingFile(const fs::path& path, std::size_t bufferBytes)
+    : path_(path), beside_(Beside(path)), file_(beside_, bufferBytes) {}
+
+ReplacingFile::~ReplacingFile() {
+  if (!done_) RemoveQuietly(beside_);
+}
+
+bool ReplacingFile::Finish() {
+  done_ = true;
+  if (!file_.Finish() || ::rename(beside_.c_str(), path_.c_str()) != 0) {
+    RemoveQuietly(beside_);
+    return false;
+  }
+  SyncFolder(Folder(path_));
+  return true;
+}
+
 void RemoveQuietly(const fs::path& path) {
   std::error_code ec;
   fs::remove(path, ec);

@@ -30,6 +30,8 @@ class BufferedFile {
   void Commit(std::size_t n) { used_ += n; }
   // Writes what is left, flushes to disk and closes. False when anything failed.
   bool Finish();
+  // False once the file could not be opened or a write failed.
+  bool Ok() const { return ok_; }
 
  private:
   bool Drain();
@@ -37,6 +39,29 @@ class BufferedFile {
   bool ok_ = true;
   std::string buf_;
   std::size_t used_ = 0;
+};
+
+// A large file that replaces `path` only when it is complete: written record by record
+// into path + "~new" beside it, then flushed and renamed over path by Finish. When the
+// object goes without a successful Finish the beside file is removed and path keeps
+// its old content.
+class ReplacingFile {
+ public:
+  explicit ReplacingFile(const std::filesystem::path& path, std::size_t bufferBytes = 1 << 20);
+  ~ReplacingFile();
+  ReplacingFile(const ReplacingFile&) = delete;
+  ReplacingFile& operator=(const ReplacingFile&) = delete;
+
+  bool Ok() const { return file_.Ok(); }
+  char* Reserve(std::size_t n) { return file_.Reserve(n); }
+  void Commit(std::size_t n) { file_.Commit(n); }
+  // Writes the rest, flushes, renames over path and flushes the folder.
+  bool Finish();
+
+ private:
+  std::filesystem::path path_, beside_;
+  BufferedFile file_;
+  bool done_ = false;
 };
 
 // Opens for append (creating the file), appends, flushes the data to disk and closes.

@@ -53,4 +53,20 @@ std::string RoundTrip(double value);
 // "as a plain number".
 std::string Plain(double value);
 
+// The general form of a number as the runtime prints it: up to 15 significant digits,
+// no trailing zeros, a leading "0" before the point, E notation (mantissa, "E", sign,
+// at least two exponent digits) below 1E-04 and from 1E+15 on: 0.5 -> "0.5",
+// 280850.125 -> "280850.125", 0.00001 -> "1E-05", 2E15 -> "2E+15", 0 and -0 -> "0".
+std::string General(double value);
+
+// A number as a print statement writes it into a file: a blank for a value that is not
+// negative (or the minus sign), the general form, and a trailing blank: " 12.5 ",
+// "-0.1 ", " 0 ". The classic runtimes write every number this way, and the readers of
+// the text files the program writes (DXF among them) trim blanks around a value.
+std::string Printed(double value);
+// The same into a buffer of at least PrintedMax bytes, without a terminating NUL;
+// returns the number of bytes written. For writers of large files.
+constexpr std::size_t PrintedMax = 32;
+std::size_t PrintTo(char* out, double value);
+
 }  // namespace tavik::num

@@ -46,6 +46,9 @@ struct DxfExportResult {
   // Each symbol-library file that was missing, as the message to show for it: the file
   // name followed by "支援檔遺失或遭破壞!!". The export went on without that block.
   std::vector<std::string> missingSymbols;
+  // Other messages of a finished export, each shown in a box (circles and arcs through
+  // three collinear points, which were left out).
+  std::vector<std::string> warnings;
   // When written: the text for Label4, "1/1000 DXF檔輸出完成".
   std::string label4;
 };

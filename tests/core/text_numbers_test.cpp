@@ -110,6 +110,17 @@ TEST(Numbers, RoundTripTextReadsBackIdentical) {
   EXPECT_EQ(num::Plain(0), "0");
 }
 
+// The printed form of a number in the text files: sign slot, general form, blank.
+TEST(Numbers, PrintedFormAndItsSwitchToExponents) {
+  const struct { double v; const char* text; } cases[] = {
+      {0, " 0 "},          {-0.0, " 0 "},          {0.5, " 0.5 "},      {-0.1, "-0.1 "},
+      {0.1 + 0.2, " 0.3 "}, {2752650.125, " 2752650.125 "}, {0.0001, " 0.0001 "}, {0.00001, " 1E-05 "},
+      {123456789012345.0, " 123456789012345 "}, {1e15, " 1E+15 "}, {-2.5e-7, "-2.5E-07 "},
+  };
+  for (const auto& c : cases) EXPECT_EQ(num::Printed(c.v), c.text) << c.v;
+  EXPECT_EQ(num::General(-12.25), "-12.25");
+}
+
 TEST(RecordText, WritesAndReadsTheWorkFileForm) {
   rec::LineWriter w;
   w.Integer(3).Number(280850.125).Text("P 1, 二").Bool(true).Bool(false).Number(-0.1);
