@@ -108,6 +108,8 @@ const std::vector<Case>& Cases() {
       {"gga 3 satellites, quality 3 keeps the warning", "$GPGGA,1,2407.4,N,12059.2,E,3,3,2.5,10,M,,,,*00\r\n",
        {{"L6", "衛星數不夠"}, {"L6c", "8000000F/FF"}}},
       {"gsa", kGsa + "\r\n", {{"dop", "1.8 0.9 1.5"}, {"gobs", kGsa + "|"}}},
+      {"code page 950 text reaches GOBS as it came", "$GNGSV,1,1,00,\xA4\xA4*00\r\n",
+       {{"OBS", "$GNGSV,1,1,00,中*00"}, {"gobs", "$GPGSV,1,1,00,\xA4\xA4*00|"}}},
       {"gsv series of 14", kGsv[0] + "\r\n" + kGsv[1] + "\r\n" + kGsv[2] + "\r\n" + kGsv[3] + "\r\n",
        {{"markers", "12"}, {"L4_2", "14"}, {"L4_3", "10"}}},
       {"rmc valid only, gll", "$GPRMC,023045.00,A,2407.4,N,12059.2,E,0.0,0.0,231126,,,D*1\r\n"
