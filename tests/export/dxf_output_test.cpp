@@ -4,6 +4,7 @@
 
 #include "core/temp_home.h"
 #include "export/dxf_output.h"
+#include "export/symbol_library.h"
 #include "platform/scripted/scripted.h"
 
 using namespace tavik;
@@ -85,4 +86,23 @@ TEST(DXFOutput, AnExistingDrawingIsKeptUnlessTheSurveyorSaysYes) {
   EXPECT_FALSE(d.OKButton(o.home.path));
   EXPECT_EQ(ReadBytes(o.doc.DxfPath), "old drawing");
   EXPECT_EQ(dxf::DXFOutputLogic::ReportPathFor("/a/東區.DXF"), "/a/東區.TXT");
+}
+
+TEST(DXFOutput, WritesTheDrawingAndTheReportBesideIt) {
+  Opened o;
+  o.doc.EntityTable = {Entity{1, 351, KindPoint, {1000, 0, 0}, {2000, 0, 0}, {5, 0, 0}, "站牌", kFalse}};
+  o.doc.EntityCount = 1;
+  o.doc.MinE = o.doc.MaxE = 1000;
+  o.doc.MinN = o.doc.MaxN = 2000;
+  WriteBytes(o.doc.DxfPath, "old drawing");
+  auto d = o.Open();
+  d.TxtScale = "500";
+  d.options.WriteReport = kTrue;
+  o.dialogs.answers = {ui::Answer::Yes};
+  ASSERT_TRUE(d.OKButton(dxf::ShippedSymbolLibrary())) << (o.dialogs.shown.empty() ? "" : o.dialogs.shown.back().text);
+  EXPECT_EQ(d.Label4, "1/500 DXF檔輸出完成");
+  EXPECT_EQ(o.memory.DxfScale, 500);
+  EXPECT_NE(ReadBytes(o.doc.DxfPath), "old drawing");
+  EXPECT_NE(ReadBytes(o.home.path / "東區.TXT").find("TAVIK"), std::string::npos);
+  EXPECT_EQ(o.dialogs.shown.size(), 1u);  // only the overwrite question
 }
