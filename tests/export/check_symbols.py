@@ -1,12 +1,10 @@
 #!/usr/bin/python3
-"""Reads every block of the shipped symbol library with ezdxf, placed the way the DXF
-export places it (first six lines replaced by the legend's BLOCK head, then inserted
-at scale U), and compares its geometry with the map glyph scripts of view/symbols.cpp,
+"""Reads every block of the shipped symbol library with ezdxf, with its first six lines
+replaced by the legend's BLOCK head as the DXF export does, and compares its geometry with the map glyph scripts of view/symbols.cpp,
 read here from the source on their own so that a slip in the block writer shows.
 
 usage: check_symbols.py SOURCE_DIR"""
 import io
-import math
 import os
 import re
 import sys
@@ -14,7 +12,6 @@ import sys
 import ezdxf
 
 K = 0.02          # block units per glyph pixel
-U = 2.5           # DxfUnit of a 1:250 sheet
 TOL = 1e-9
 SHARED = {833: 832, 834: 832, 835: 832, 838: 832}  # the bridges share one glyph
 
@@ -88,10 +85,7 @@ for name in files:
         layer = '999'
     else:
         block = ['  0', 'BLOCK', '  8', layer, '  2', layer, ' 62', '7'] + lines[6:]
-    text = '\n'.join(['  0', 'SECTION', '  2', 'BLOCKS'] + block + ['  0', 'ENDSEC',
-                      '  0', 'SECTION', '  2', 'ENTITIES', '  0', 'INSERT', '  8', layer, '  2', layer,
-                      ' 10', '100', ' 20', '200', ' 41', str(U), ' 42', str(U), ' 43', str(U),
-                      '  0', 'ENDSEC', '  0', 'EOF']) + '\n'
+    text = '\n'.join(['  0', 'SECTION', '  2', 'BLOCKS'] + block + ['  0', 'ENDSEC', '  0', 'EOF']) + '\n'
     try:
         doc = ezdxf.read(io.StringIO(text))
     except Exception as e:  # noqa: BLE001 - any refusal of the reader is the finding
@@ -127,13 +121,6 @@ for name in files:
         matched([w[:3] for w in want[3]], [g[:3] for g in got_texts], 'text', code)
         if sorted(w[3] for w in want[3]) != sorted(g[3] for g in got_texts):
             failures.append(f'{code}: texts {[g[3] for g in got_texts]}')
-    # Whatever the block, inserted at scale U its drawing stays within a few mm of paper.
-    ins = doc.modelspace().query('INSERT').first
-    for e in ins.virtual_entities():
-        if e.dxftype() == 'LINE':
-            for p in (e.dxf.start, e.dxf.end):
-                if math.hypot(p.x - 100, p.y - 200) > 0.5 * U:
-                    failures.append(f'{name}: inserted at scale {U} it reaches {p}')
 
 missing = [c for c in scripts if f'{c}.dxf' not in files]
 if missing:

@@ -1,5 +1,6 @@
 // The DXFOutput dialog's logic with scripted message boxes and file dialogs: the target
-// file's choice and the questions before anything is written.
+// file's choice, the questions before anything is written, and the drawing with its
+// report beside it.
 #include <gtest/gtest.h>
 
 #include "core/temp_home.h"
@@ -26,66 +27,37 @@ struct Opened {
 
 }  // namespace
 
-TEST(DXFOutput, OpensWithTheRememberedScaleAndTheDocumentsDrawing) {
-  Opened o;
-  auto first = o.Open();
-  EXPECT_EQ(first.TxtScale, "1000");
-  EXPECT_EQ(first.Label6, o.doc.DxfPath);
-  EXPECT_EQ(first.AreaUnit(), 2);
-  EXPECT_TRUE(first.Frame2Visible());
-  // A refused scale keeps the dialog open and the remembered scale as it was.
-  for (const char* bad : {"0", "-500", "abc", ""}) {
-    first.TxtScale = bad;
-    EXPECT_FALSE(first.OKButton(o.home.path));
-  }
-  EXPECT_EQ(o.dialogs.shown.size(), 4u);
-  EXPECT_EQ(o.memory.DxfScale, 1000);
-  o.memory.DxfScale = 250;
-  o.doc.MapType = 2;
-  auto again = o.Open();
-  EXPECT_EQ(again.TxtScale, "250");
-  EXPECT_FALSE(again.Frame2Visible());
-}
-
-TEST(DXFOutput, GridButtonsSetTheirFlagsAndTheLabelOptions) {
+TEST(DXFOutput, TargetAndScaleAreCheckedBeforeAnythingIsWritten) {
   Opened o;
   auto d = o.Open();
-  d.Option5();
-  EXPECT_FALSE(d.options.GridFull || d.options.GridTicks || d.options.GridLabels || d.LabelOptionsEnabled());
-  d.Option6();
-  EXPECT_TRUE(d.options.GridTicks && !d.options.GridFull && d.LabelOptionsEnabled());
-  d.Option7();
-  EXPECT_TRUE(d.options.GridFull && d.options.GridLabels && d.LabelOptionsEnabled());
-}
-
-TEST(DXFOutput, BrowseTakesOnlyANameEndingInUpperCaseDxf) {
-  Opened o;
-  auto d = o.Open();
+  EXPECT_EQ(d.TxtScale, "1000");
+  EXPECT_EQ(d.Label6, o.doc.DxfPath);
+  // Browse takes only a name ending in upper-case DXF; a cancel keeps the choice.
   o.dialogs.files = {(o.home.path / "a.dxf").string(), (o.home.path / "B.DXF").string(), ""};
   d.Command2(o.home.path);
   EXPECT_EQ(d.Label6, o.doc.DxfPath);
-  EXPECT_EQ(o.dialogs.Messages(), std::vector<std::string>{"檔案格式或檔案型別不符"});
-  EXPECT_EQ(o.dialogs.shown.back().title, "檔名錯誤");
+  EXPECT_EQ(o.dialogs.shown.back().text + o.dialogs.shown.back().title, "檔案格式或檔案型別不符檔名錯誤");
+  d.Command2(o.home.path);
   d.Command2(o.home.path);
   EXPECT_EQ(d.Label6, (o.home.path / "B.DXF").string());
-  d.Command2(o.home.path);  // cancelled: the choice stays
-  EXPECT_EQ(d.Label6, (o.home.path / "B.DXF").string());
-}
 
-TEST(DXFOutput, AnExistingDrawingIsKeptUnlessTheSurveyorSaysYes) {
-  Opened o;
-  auto d = o.Open();
-  WriteBytes(o.doc.DxfPath, "old drawing");
-  o.dialogs.answers = {ui::Answer::No};
+  // A refused scale keeps the dialog open and the remembered scale as it was.
+  for (const char* bad : {"0", "-500", "abc"}) {
+    d.TxtScale = bad;
+    EXPECT_FALSE(d.OKButton(o.home.path));
+  }
+  EXPECT_EQ(o.memory.DxfScale, 1000);
+
+  // An existing drawing stays unless the surveyor says Yes, and after a Yes it stays
+  // too when the export refuses the (empty) document.
+  d.TxtScale = "500";
+  WriteBytes(d.Label6, "old drawing");
+  o.dialogs.answers = {ui::Answer::No, ui::Answer::Yes};
   EXPECT_FALSE(d.OKButton(o.home.path));
-  EXPECT_EQ(o.dialogs.shown.back().text, "檔案己經存在,是否覆蓋?");
-  EXPECT_EQ(o.dialogs.shown.back().title, "檔名重覆");
-  EXPECT_EQ(ReadBytes(o.doc.DxfPath), "old drawing");
-  // An empty document is refused by the export after the Yes, and the old file stays.
-  o.dialogs.answers = {ui::Answer::Yes};
+  EXPECT_EQ(o.dialogs.shown.back().text + o.dialogs.shown.back().title, "檔案己經存在,是否覆蓋?檔名重覆");
   EXPECT_FALSE(d.OKButton(o.home.path));
-  EXPECT_EQ(ReadBytes(o.doc.DxfPath), "old drawing");
-  EXPECT_EQ(dxf::DXFOutputLogic::ReportPathFor("/a/東區.DXF"), "/a/東區.TXT");
+  EXPECT_EQ(o.dialogs.shown.back().text, "這是一個空檔案,沒有內容可以輸出");
+  EXPECT_EQ(ReadBytes(d.Label6), "old drawing");
 }
 
 TEST(DXFOutput, WritesTheDrawingAndTheReportBesideIt) {
@@ -99,10 +71,11 @@ TEST(DXFOutput, WritesTheDrawingAndTheReportBesideIt) {
   d.TxtScale = "500";
   d.options.WriteReport = kTrue;
   o.dialogs.answers = {ui::Answer::Yes};
-  ASSERT_TRUE(d.OKButton(dxf::ShippedSymbolLibrary())) << (o.dialogs.shown.empty() ? "" : o.dialogs.shown.back().text);
+  ASSERT_TRUE(d.OKButton(dxf::ShippedSymbolLibrary())) << o.dialogs.shown.back().text;
   EXPECT_EQ(d.Label4, "1/500 DXF檔輸出完成");
-  EXPECT_EQ(o.memory.DxfScale, 500);
+  EXPECT_EQ(o.dialogs.shown.size(), 1u);  // only the overwrite question
   EXPECT_NE(ReadBytes(o.doc.DxfPath), "old drawing");
   EXPECT_NE(ReadBytes(o.home.path / "東區.TXT").find("TAVIK"), std::string::npos);
-  EXPECT_EQ(o.dialogs.shown.size(), 1u);  // only the overwrite question
+  // The scale is remembered for the next opening.
+  EXPECT_EQ(o.Open().TxtScale, "500");
 }
