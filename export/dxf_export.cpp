@@ -301,6 +301,11 @@ struct Exporter {
     out.Pair("  0", "SECTION");
     out.Pair("  2", "HEADER");
     auto var = [&](const char* name) { out.Pair("  9", name); };
+    // The release and the code page come first and last: a reader that finds no
+    // release takes the file for a recent one with UTF-8 text and garbles every
+    // Chinese name (LibreCAD then shows nothing at all); the code page spares the
+    // reader a guess.
+    var("$ACADVER"), out.Pair("  1", "AC1009");
     var("$EXTMIN"), out.Pair(" 10", E0), out.Pair(" 20", N0);
     var("$EXTMAX"), out.Pair(" 10", E1), out.Pair(" 20", N1);
     var("$LIMMIN"), out.Pair(" 10", doc.MinE), out.Pair(" 20", doc.MinN);
@@ -313,6 +318,7 @@ struct Exporter {
     var("$ANGBASE"), out.Pair(" 50", " 0.0");
     var("$ANGDIR"), out.Pair(" 70", "   0");
     var("$MENU"), out.Pair("  1", "acad");
+    var("$DWGCODEPAGE"), out.Pair("  3", "ANSI_950");
     out.Pair("  0", "ENDSEC");
   }
 
@@ -427,7 +433,10 @@ struct Exporter {
     out.Pair("  2", "BLOCKS");
     const std::filesystem::path dir = o.symbolDir;
     for (int code = 0; code <= 999; ++code) {
-      if (!used[code] || !IsBlockCode(code)) continue;
+      // 817 is cleared with the codes that have no symbol of their own, yet its lines
+      // repeat its block; a drawing that inserts a block it doesn't define is refused by
+      // CAD programs, so the block goes in whenever the code is used.
+      if (!used[code] || (!IsBlockCode(code) && SymbolSpacing(code) == 0)) continue;
       CopySymbol(AppPaths::Find(dir, std::to_string(code) + ".dxf"), 6, [&] {
         out.Pair("  0", "BLOCK");
         out.Pair("  8", layer[code]);

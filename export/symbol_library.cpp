@@ -181,7 +181,7 @@ const std::vector<int>& SymbolLibraryCodes() {
     std::set<int> all;
     for (int code = 1; code < DefaultBlockCode; ++code) {
       if (view::GlyphOps(code) || view::LineDecorationOf(code).mark != view::LineMark::None ||
-          !view::LegendName(code).empty())
+          !view::LegendName(code).empty() || !view::LegendMenuText(code).empty())
         all.insert(code);
     }
     std::vector<int> v(all.begin(), all.end());

@@ -166,6 +166,7 @@ TEST_F(DxfExportTest, HeaderTablesAndStyleAreTheFixedTexts) {
   // Cells of 100 m: the sheet runs from 1000 to 1200 and 2000 to 2100.
   const std::string head =
       "  0\r\nSECTION\r\n  2\r\nHEADER\r\n"
+      "  9\r\n$ACADVER\r\n  1\r\nAC1009\r\n"
       "  9\r\n$EXTMIN\r\n 10\r\n 1000 \r\n 20\r\n 2000 \r\n"
       "  9\r\n$EXTMAX\r\n 10\r\n 1200 \r\n 20\r\n 2100 \r\n"
       "  9\r\n$LIMMIN\r\n 10\r\n 1000.5 \r\n 20\r\n 2000 \r\n"
@@ -178,6 +179,7 @@ TEST_F(DxfExportTest, HeaderTablesAndStyleAreTheFixedTexts) {
       "  9\r\n$ANGBASE\r\n 50\r\n 0.0\r\n"
       "  9\r\n$ANGDIR\r\n 70\r\n   0\r\n"
       "  9\r\n$MENU\r\n  1\r\nacad\r\n"
+      "  9\r\n$DWGCODEPAGE\r\n  3\r\nANSI_950\r\n"
       "  0\r\nENDSEC\r\n"
       "  0\r\nSECTION\r\n  2\r\nTABLES\r\n  0\r\nTABLE\r\n  2\r\nLTYPE\r\n 70\r\n  9\r\n"
       "  0\r\nLTYPE\r\n  2\r\nCONTINUOUS\r\n 70\r\n  64\r\n  3\r\nsolid line\r\n 72\r\n  65\r\n 73\r\n  0\r\n 40\r\n0.0\r\n"
