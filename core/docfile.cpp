@@ -423,6 +423,7 @@ bool LoadDocument(Document& doc, ui::Dialogs& dialogs, const ProgressSink& progr
   if (version >= 7321152) doc.SplitStakeCount = h.SplitStakeCount;
 
   // Points: a record with E or N exactly 0 is skipped; the others keep their ordinal.
+  RowsChanged(doc);
   char scratch[EntityBytes];
   uint64_t off = HeaderBytes;
   uint64_t n = file.Readable(off, h.points, PointBytes);
@@ -608,6 +609,7 @@ bool MergeDocumentRecords(Document& doc, WorkFiles& wf, const std::string& path,
     return false;
   }
   char scratch[EntityBytes];
+  RowsChanged(doc);  // the tables are cut back to their counts before the appends
   uint64_t off = HeaderBytes;
   uint64_t n = file.Readable(off, h.points, PointBytes);
   const uint64_t entitiesAt = off + CountOf(h.points) * PointBytes;

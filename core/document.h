@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "core/spatial_index.h"
+
 namespace tavik {
 
 // Booleans in tables are 16-bit: 0 false, -1 true.
@@ -132,6 +134,10 @@ struct Document {
       GstkPath, MacPath, KeyPath, StrPath, PtsPath;
   int16_t MapChanged = kFalse;
   int16_t CurrentLegend = 301;
+
+  // Where the rows lie, for rebuilding the screen tables; core/spatial_index.h says
+  // what code that writes rows must do to keep it right.
+  TableIndex Index;
 
   bool IsOpen() const { return !DocumentName.empty(); }
 };

@@ -35,6 +35,7 @@ bool AddPoint(Document& doc, const View& view, WorkFiles& wf, double E, double N
   p.Deleted = kFalse;
   doc.PointTable.resize(static_cast<std::size_t>(doc.PointCount) - 1);
   doc.PointTable.push_back(p);
+  doc.Index.Points.RowWritten(doc.PointCount - 1);
   if (view.InScreen(E, N)) {
     doc.ScreenPointTable.resize(static_cast<std::size_t>(doc.ScreenPointCount));
     doc.ScreenPointTable.push_back(p);
@@ -62,6 +63,7 @@ bool AddEntity(Document& doc, const View& view, WorkFiles& wf, int16_t Code, int
   e.Deleted = kFalse;
   doc.EntityTable.resize(static_cast<std::size_t>(doc.EntityCount) - 1);
   doc.EntityTable.push_back(e);
+  doc.Index.Entities.RowWritten(doc.EntityCount - 1);
   doc.ScreenEntityTable.resize(static_cast<std::size_t>(doc.ScreenEntityCount));
   doc.ScreenEntityTable.push_back(e);
   ++doc.ScreenEntityCount;
@@ -155,6 +157,7 @@ bool Undelete(Document& doc, WorkFiles& wf, ui::Dialogs& dialogs) {
 }
 
 void ClearTables(Document& doc) {
+  RowsChanged(doc);
   doc.PointTable.clear();
   doc.PointCount = doc.DeletedPointCount = 0;
   doc.EntityTable.clear();

@@ -49,6 +49,10 @@ bool DeleteEntity(Document& doc, WorkFiles& wf, int32_t number);
 // under "救回刪除的資料", and false.
 bool Undelete(Document& doc, WorkFiles& wf, ui::Dialogs& dialogs);
 
+// Rows of the point or entity table were replaced, moved, inserted before others or
+// removed (anything but an append): the spatial index is built again when next needed.
+inline void RowsChanged(Document& doc) { doc.Index.Invalidate(); }
+
 // Empties every table, count and the undelete stack, the reference-map rows and the
 // values derived for the land split: the state of no open document, or of a new one.
 // The header values other than those are left for the caller to set.

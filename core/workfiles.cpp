@@ -269,6 +269,7 @@ bool RecoverFromWorkFiles(Document& doc, WorkFiles& wf, ui::Dialogs& dialogs) {
   }
 
   bool pointsClean = true, entitiesClean = true;
+  doc.Index.Invalidate();
   doc.PointTable = ReadJournal<Point>(paths.TempP0(), ParsePointLine, pointsClean);
   const int32_t pointsRead = static_cast<int32_t>(doc.PointTable.size());
   if (haveHeader && pointsRead != 0 && pointsRead != doc.PointCount)

@@ -1,5 +1,7 @@
 #include "view/screen_tables.h"
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
 #include <vector>
 
@@ -15,24 +17,9 @@ bool AnySampleOnScreen(const std::vector<double>& E, const std::vector<double>& 
   return false;
 }
 
-}  // namespace
-
-int32_t RebuildScreenPoints(Document& doc, const View& view) {
-  doc.ScreenPointTable.clear();
-  const std::size_t n = std::min<std::size_t>(doc.PointTable.size(), doc.PointCount > 0 ? doc.PointCount : 0);
-  for (std::size_t i = 0; i < n; ++i) {
-    const Point& p = doc.PointTable[i];
-    if (!p.Deleted && view.InScreen(p.E, p.N)) doc.ScreenPointTable.push_back(p);
-  }
-  doc.ScreenPointCount = static_cast<int32_t>(doc.ScreenPointTable.size());
-  return doc.ScreenPointCount;
-}
-
-bool EntityReachesScreen(const Entity& e, const View& view) {
-  for (int k = 0; k < 3; ++k)
-    if (view.InScreen(e.X[k], e.Y[k])) return true;
-  // The samples are scratch space kept between calls: a rebuild walks every entity.
-  thread_local std::vector<double> E, N;
+// The samples of an entity's arc or circle, as the screen test takes them; nothing for
+// the other kinds.
+void CurveSamples(const Entity& e, std::vector<double>& E, std::vector<double>& N) {
   E.clear();
   N.clear();
   switch (e.Kind) {
@@ -56,16 +43,163 @@ bool EntityReachesScreen(const Entity& e, const View& view) {
       break;
     }
     default:
-      return false;
+      break;
   }
+}
+
+// Where most rows lie: the 0.5th to the 99.5th centile on each axis, over at most 65536
+// rows taken evenly, so that a few stray rows far off do not stretch the grid.
+template <typename CoordOf>
+Box MiddleExtent(int32_t rows, CoordOf coordOf) {
+  std::vector<double> E, N;
+  const int32_t step = std::max<int32_t>(1, rows / 65536);
+  for (int32_t i = 0; i < rows; i += step) {
+    double e = 0, n = 0;
+    coordOf(i, e, n);
+    if (std::isfinite(e) && std::isfinite(n)) E.push_back(e), N.push_back(n);
+  }
+  if (E.empty()) return {};
+  auto centile = [](std::vector<double>& v, double q) {
+    auto at = v.begin() + static_cast<std::ptrdiff_t>(q * static_cast<double>(v.size() - 1));
+    std::nth_element(v.begin(), at, v.end());
+    return *at;
+  };
+  return {centile(E, 0.005), centile(N, 0.005), centile(E, 0.995), centile(N, 0.995)};
+}
+
+uint64_t Mix(uint64_t h, double v) {
+  return (h ^ std::bit_cast<uint64_t>(v)) * 0x100000001b3ULL;
+}
+
+// The keys of the first and the last indexed row: a table refilled, cut or shifted by
+// code that forgot to say so almost never keeps both.
+uint64_t PointCheck(const Document& doc, int32_t rows) {
+  uint64_t h = 0xcbf29ce484222325ULL;
+  for (int32_t i : {0, rows - 1}) {
+    if (i < 0 || i >= rows) continue;
+    const Point& p = doc.PointTable[static_cast<std::size_t>(i)];
+    h = Mix(Mix(Mix(h, p.Number), p.E), p.N);
+  }
+  return h;
+}
+
+uint64_t EntityCheck(const Document& doc, int32_t rows) {
+  uint64_t h = 0xcbf29ce484222325ULL;
+  for (int32_t i : {0, rows - 1}) {
+    if (i < 0 || i >= rows) continue;
+    const Entity& e = doc.EntityTable[static_cast<std::size_t>(i)];
+    h = Mix(h, e.Number);
+    for (int k = 0; k < 3; ++k) h = Mix(Mix(h, e.X[k]), e.Y[k]);
+  }
+  return h;
+}
+
+// Rows appended since the build are walked plainly; past this many the grid is built
+// again.
+bool TooManyAppended(const RowGrid& g, int32_t rows) {
+  return rows - g.BuiltRows() > std::max<int32_t>(4096, g.BuiltRows() / 8);
+}
+
+const RowGrid& PointIndex(Document& doc, int32_t rows) {
+  RowGrid& g = doc.Index.Points;
+  if (g.Built() && g.BuiltRows() <= rows && !TooManyAppended(g, rows) && g.Check == PointCheck(doc, g.BuiltRows()))
+    return g;
+  auto coordOf = [&](int32_t i, double& E, double& N) {
+    E = doc.PointTable[static_cast<std::size_t>(i)].E;
+    N = doc.PointTable[static_cast<std::size_t>(i)].N;
+  };
+  g.Build(rows, MiddleExtent(rows, coordOf), [&](int32_t i, std::vector<Box>& boxes) {
+    double E = 0, N = 0;
+    coordOf(i, E, N);
+    boxes.push_back(Box::At(E, N));
+  });
+  g.Check = PointCheck(doc, rows);
+  return g;
+}
+
+const RowGrid& EntityIndex(Document& doc, int32_t rows) {
+  RowGrid& g = doc.Index.Entities;
+  if (g.Built() && g.BuiltRows() <= rows && !TooManyAppended(g, rows) && g.Check == EntityCheck(doc, g.BuiltRows()))
+    return g;
+  auto coordOf = [&](int32_t i, double& E, double& N) {
+    E = doc.EntityTable[static_cast<std::size_t>(i)].X[0];
+    N = doc.EntityTable[static_cast<std::size_t>(i)].Y[0];
+  };
+  g.Build(rows, MiddleExtent(rows, coordOf), [&](int32_t i, std::vector<Box>& boxes) {
+    EntityBoxes(doc.EntityTable[static_cast<std::size_t>(i)], boxes);
+  });
+  g.Check = EntityCheck(doc, rows);
+  return g;
+}
+
+Box ScreenBox(const View& view) {
+  return {view.ScreenMinE, view.ScreenMinN, view.ScreenMaxE, view.ScreenMaxN};
+}
+
+int32_t Rows(std::size_t size, int32_t count) {
+  return static_cast<int32_t>(std::min<std::size_t>(size, count > 0 ? static_cast<std::size_t>(count) : 0));
+}
+
+}  // namespace
+
+int32_t RebuildScreenPoints(Document& doc, const View& view) {
+  doc.ScreenPointTable.clear();
+  const int32_t n = Rows(doc.PointTable.size(), doc.PointCount);
+  auto take = [&](int32_t i) {
+    const Point& p = doc.PointTable[static_cast<std::size_t>(i)];
+    if (!p.Deleted && view.InScreen(p.E, p.N)) doc.ScreenPointTable.push_back(p);
+  };
+  thread_local std::vector<int32_t> rows;
+  const RowGrid& g = PointIndex(doc, n);
+  int32_t from = 0;
+  if (g.Query(ScreenBox(view), rows)) {
+    for (int32_t i : rows) take(i);
+    from = g.BuiltRows();
+  }
+  for (int32_t i = from; i < n; ++i) take(i);
+  doc.ScreenPointCount = static_cast<int32_t>(doc.ScreenPointTable.size());
+  return doc.ScreenPointCount;
+}
+
+void EntityBoxes(const Entity& e, std::vector<Box>& boxes) {
+  // Every vertex on its own: an unused one at 0, 0 takes part in the test too.
+  for (int k = 0; k < 3; ++k) boxes.push_back(Box::At(e.X[k], e.Y[k]));
+  thread_local std::vector<double> E, N;
+  CurveSamples(e, E, N);
+  Box b{INFINITY, INFINITY, -INFINITY, -INFINITY};
+  for (std::size_t s = 0; s < E.size() && s < N.size(); ++s) {
+    if (std::isnan(E[s]) || std::isnan(N[s])) continue;
+    b.MinE = std::min(b.MinE, E[s]), b.MaxE = std::max(b.MaxE, E[s]);
+    b.MinN = std::min(b.MinN, N[s]), b.MaxN = std::max(b.MaxN, N[s]);
+  }
+  if (b.MinE <= b.MaxE && b.MinN <= b.MaxN) boxes.push_back(b);
+}
+
+bool EntityReachesScreen(const Entity& e, const View& view) {
+  for (int k = 0; k < 3; ++k)
+    if (view.InScreen(e.X[k], e.Y[k])) return true;
+  if (e.Kind != KindArc3 && e.Kind != KindCircle3 && e.Kind != KindCircle2) return false;
+  // The samples are scratch space kept between calls: a rebuild may test many entities.
+  thread_local std::vector<double> E, N;
+  CurveSamples(e, E, N);
   return AnySampleOnScreen(E, N, view);
 }
 
 int32_t RebuildScreenEntities(Document& doc, const View& view) {
   doc.ScreenEntityTable.clear();
-  const std::size_t n = std::min<std::size_t>(doc.EntityTable.size(), doc.EntityCount > 0 ? doc.EntityCount : 0);
-  for (std::size_t i = 0; i < n; ++i)
-    if (EntityReachesScreen(doc.EntityTable[i], view)) doc.ScreenEntityTable.push_back(doc.EntityTable[i]);
+  const int32_t n = Rows(doc.EntityTable.size(), doc.EntityCount);
+  auto take = [&](int32_t i) {
+    const Entity& e = doc.EntityTable[static_cast<std::size_t>(i)];
+    if (EntityReachesScreen(e, view)) doc.ScreenEntityTable.push_back(e);
+  };
+  thread_local std::vector<int32_t> rows;
+  const RowGrid& g = EntityIndex(doc, n);
+  int32_t from = 0;
+  if (g.Query(ScreenBox(view), rows)) {
+    for (int32_t i : rows) take(i);
+    from = g.BuiltRows();
+  }
+  for (int32_t i = from; i < n; ++i) take(i);
   doc.ScreenEntityCount = static_cast<int32_t>(doc.ScreenEntityTable.size());
   return doc.ScreenEntityCount;
 }

@@ -1,9 +1,15 @@
 // The screen tables: copies of what lies on the screen, walked by every pick so that a
 // pick on a large survey answers at once. Every view change rebuilds both before the
 // user can pick again; AddPoint and AddEntity append to them directly.
+//
+// The rebuilds look only at the rows the document's spatial index (core/spatial_index.h)
+// gives for the screen, plus the rows appended since it was built, and apply the same
+// exact test to each in row order: the tables are what a walk of every row would make.
+// The index is built on the first rebuild after a load or any change that forgot it.
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "core/document.h"
 #include "core/view_state.h"
@@ -22,5 +28,9 @@ int32_t RebuildScreenEntities(Document& doc, const View& view);
 
 // The test RebuildScreenEntities applies to one entity.
 bool EntityReachesScreen(const Entity& e, const View& view);
+
+// The boxes the spatial index finds an entity by: each vertex, and the box of the
+// samples of its arc or circle. Whatever of the entity can be InScreen lies in one.
+void EntityBoxes(const Entity& e, std::vector<Box>& boxes);
 
 }  // namespace tavik

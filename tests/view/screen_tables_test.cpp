@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "core/docfile.h"
 #include "core/tables.h"
 #include "core/temp_home.h"
@@ -71,6 +73,103 @@ TEST(ScreenTables, RebuildsKeepDeletedEntitiesButNotDeletedPoints) {
   ASSERT_EQ(RebuildScreenEntities(d, v), 1);
   EXPECT_TRUE(d.ScreenEntityTable[0].Number == 1 && d.ScreenEntityTable[0].Deleted == kTrue);
   EXPECT_EQ(d.ScreenEntityCount, static_cast<int32_t>(d.ScreenEntityTable.size()));
+}
+
+// The rows a plain walk of the tables takes, as Number and Deleted pairs in order.
+template <typename Row>
+std::vector<std::pair<int32_t, int16_t>> Keys(const std::vector<Row>& rows) {
+  std::vector<std::pair<int32_t, int16_t>> k;
+  for (const Row& r : rows) k.emplace_back(r.Number, r.Deleted);
+  return k;
+}
+
+// A random survey with the awkward rows a real one has (vertices left at 0, 0, circles
+// larger than the survey, collinear arcs, far strays), a thousand random views, and the
+// table changed between views in every way the program changes it: the screen tables
+// from the index must be the plain walk's, row for row.
+TEST(ScreenTables, IndexedRebuildsEqualThePlainWalk) {
+  TempHome home;
+  WorkFiles wf{AppPaths{home.path}};
+  std::mt19937 rng(17);
+  std::uniform_real_distribution<double> u(0, 1);
+  auto E = [&] { return 250000 + 4000 * u(rng); };
+  auto N = [&] { return 2650000 + 3000 * u(rng); };
+  auto randomEntity = [&] {
+    const double e = E(), n = N(), r = u(rng) < 0.01 ? 5000 * u(rng) : 10 * u(rng);
+    switch (static_cast<int>(u(rng) * 6)) {
+      case 0: return Make(KindPoint, {e, n});
+      case 1: return Make(KindCircle2, {e, n, e + r, n});
+      case 2: return Make(KindCircle3, {e - r, n, e, n + r, e + r, n});
+      case 3: return Make(KindArc3, {e - r, n, e, n - r, u(rng) < 0.1 ? e - r : e + r, n});
+      case 4: return Make(KindLine, {e, n, u(rng) < 0.02 ? 0.0 : e + 20 * u(rng), n + 20 * u(rng)});
+      default: return Make(KindLine, {e, n, e + 5 * u(rng), n - 5 * u(rng)});
+    }
+  };
+  // Appended as a merge does, without the journal (a journalled append is case 0 below).
+  auto appendEntity = [&](Document& d) {
+    Entity x = randomEntity();
+    x.Number = ++d.EntityCount;
+    d.EntityTable.push_back(x);
+  };
+  Document d;
+  for (int i = 0; i < 1500; ++i) appendEntity(d);
+  for (int i = 0; i < 1000; ++i) d.PointTable.push_back({++d.PointCount, u(rng) < 0.005 ? 1000 : E(), N(), 0, kFalse});
+
+  auto plain = [&](auto&& keep, const auto& table, int32_t count) {
+    std::remove_cvref_t<decltype(table)> out;
+    for (int32_t i = 0; i < count; ++i)
+      if (keep(table[static_cast<std::size_t>(i)])) out.push_back(table[static_cast<std::size_t>(i)]);
+    return Keys(out);
+  };
+  for (int view = 0; view < 1000; ++view) {
+    // Centre anywhere near the survey or off it; sizes from a few metres to all of it.
+    const double cE = 249000 + 6000 * u(rng), cN = 2649000 + 5000 * u(rng);
+    const double half = std::pow(10, 0.3 + 3.7 * u(rng));
+    const View v = view % 97 == 0 ? Screen(-10, 10, -10, 10) : Screen(cE - half, cE + half, cN - half * 0.75, cN + half * 0.75);
+    RebuildScreenPoints(d, v);
+    RebuildScreenEntities(d, v);
+    ASSERT_EQ(Keys(d.ScreenPointTable), plain([&](const Point& p) { return !p.Deleted && v.InScreen(p.E, p.N); },
+                                              d.PointTable, d.PointCount)) << "view " << view;
+    ASSERT_EQ(Keys(d.ScreenEntityTable),
+              plain([&](const Entity& e) { return EntityReachesScreen(e, v); }, d.EntityTable, d.EntityCount))
+        << "view " << view;
+
+    switch (view % 8) {
+      case 0: {  // appended past the index
+        const Entity x = randomEntity();
+        AddEntity(d, v, wf, x.Code, x.Kind, x.X[0], x.Y[0], 0, x.X[1], x.Y[1], 0, x.X[2], x.Y[2], 0, "");
+        AddPoint(d, v, wf, cE, cN, 0);
+        break;
+      }
+      case 1:  // deleted and brought back: only the flag changes
+      case 2:
+        d.EntityTable[static_cast<std::size_t>(view / 8 % d.EntityCount)].Deleted = view % 8 == 1 ? kTrue : kFalse;
+        d.PointTable[static_cast<std::size_t>(view / 8 % d.PointCount)].Deleted = view % 8 == 1 ? kTrue : kFalse;
+        break;
+      case 3: {  // a vertex moved in place, as an edit does, and said so
+        const int32_t row = view % d.EntityCount;
+        d.EntityTable[static_cast<std::size_t>(row)].X[0] = cE;
+        d.EntityTable[static_cast<std::size_t>(row)].Y[0] = cN;
+        d.Index.Entities.RowWritten(row);
+        break;
+      }
+      case 4: {  // the whole map shifted, as a transform does
+        for (auto& p : d.PointTable) p.E += 7;
+        for (auto& e : d.EntityTable) for (double& x : e.X) x += 7;
+        RowsChanged(d);
+        break;
+      }
+      case 5: {  // reference rows put in front by code that forgot to say so
+        Entity x = randomEntity();
+        d.EntityTable.insert(d.EntityTable.begin(), x);
+        ++d.EntityCount;
+        for (int32_t i = 0; i < d.EntityCount; ++i) d.EntityTable[static_cast<std::size_t>(i)].Number = i + 1;
+        break;
+      }
+      case 6: for (int i = 0; i < 5000 && view == 998; ++i) appendEntity(d); break;  // a burst of appends
+      default: break;
+    }
+  }
 }
 
 TEST(DocumentView, MergeZoomsToTheWholeExtentAndRebuilds) {
