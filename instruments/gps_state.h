@@ -46,6 +46,16 @@ struct GpsState {
   // The sounder's last depth, metres; the ground elevation takes it off when a sounder
   // is in use.
   double SounderDepth = 0;
+
+  // The GPS stake-out target. An empty StakeName means no target; StakeCode is the
+  // legend of the target's entity, 131 for a target without one. StakeRadius is the
+  // alarm circle in metres. StakeActive is true while the stake-out window is open:
+  // the view then keeps target and rover on the screen together.
+  std::string StakeName;
+  double StakeX = 0, StakeY = 0, StakeH = 0;
+  int16_t StakeCode = 131;
+  double StakeRadius = 1;
+  int16_t StakeActive = 0;
 };
 
 }  // namespace tavik
