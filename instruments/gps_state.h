@@ -44,8 +44,17 @@ struct GpsState {
   double LastRecordedX = 0, LastRecordedY = 0;
 
   // The sounder's last depth, metres; the ground elevation takes it off when a sounder
-  // is in use.
+  // is in use. A second depth (a dual-frequency sounder) and the motion sensor's values
+  // go into the WAY records as they are.
   double SounderDepth = 0;
+  double SounderDepth2 = 0;
+  double Heave = 0, Roll = 0, Pitch = 0;
+
+  // What the view does when the position leaves the screen: with OffScreenShift the
+  // centre moves to it at the same scale, otherwise the view widens to hold it, unless
+  // MoveMap says the map is moved by hand.
+  int16_t OffScreenShift = 0;
+  int16_t MoveMap = 0;
 
   // The GPS stake-out target. An empty StakeName means no target; StakeCode is the
   // legend of the target's entity, 131 for a target without one. StakeRadius is the
