@@ -3,7 +3,9 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 
 namespace tavik::num {
@@ -225,6 +227,42 @@ std::string Plain(double value) {
 
 namespace {
 
+// Most values of a survey are short decimals (280850.125, 12.5). When the value times
+// 10^d is a whole number m for a small d, and m / 10^d gives the value back exactly,
+// then m with the point set d places from the right reads back as the value; with no
+// more than 15 digits it is also the value rounded to 15 digits (the 15th digit is
+// coarser than the spacing of doubles), so it is the general form, found without the
+// cost of rounding to a precision. 0 when the value is not such a decimal.
+std::size_t ShortDecimalTo(char* out, double value) {
+  static constexpr double pow10[11] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10};
+  const double a = std::fabs(value);
+  if (!(a >= 1e-4 && a < 1e15)) return 0;
+  for (int d = 0; d <= 10; ++d) {
+    const double y = a * pow10[d];
+    if (y >= 1e15) return 0;
+    const double m = std::nearbyint(y);
+    if (m / pow10[d] != a) continue;
+    char digits[24];
+    const auto r = std::to_chars(digits, digits + sizeof digits, static_cast<std::uint64_t>(m));
+    const int nd = static_cast<int>(r.ptr - digits);
+    char* p = out;
+    if (value < 0) *p++ = '-';
+    if (d == 0) {
+      std::memcpy(p, digits, nd), p += nd;
+    } else if (nd > d) {
+      std::memcpy(p, digits, nd - d), p += nd - d;
+      *p++ = '.';
+      std::memcpy(p, digits + nd - d, d), p += d;
+    } else {
+      *p++ = '0', *p++ = '.';
+      for (int z = nd; z < d; ++z) *p++ = '0';
+      std::memcpy(p, digits, nd), p += nd;
+    }
+    return static_cast<std::size_t>(p - out);
+  }
+  return 0;
+}
+
 // The general form into out (room for PrintedMax bytes); returns the length.
 std::size_t GeneralTo(char* out, double value) {
   if (value == 0 || !std::isfinite(value)) {
@@ -233,8 +271,9 @@ std::size_t GeneralTo(char* out, double value) {
     out[0] = '0';
     return 1;
   }
+  if (std::size_t n = ShortDecimalTo(out, value)) return n;
   // to_chars in the general form with 15 digits chooses between fixed and exponent
-  // notation exactly as %.15G does, and drops trailing zeros; it is several times faster.
+  // notation exactly as %.15G does, and drops trailing zeros.
   auto r = std::to_chars(out, out + PrintedMax - 2, value, std::chars_format::general, 15);
   for (char* p = out; p != r.ptr; ++p)
     if (*p == 'e') *p = 'E';
