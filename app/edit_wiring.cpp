@@ -118,6 +118,7 @@ EditWiring::EditWiring(Program& program)
       paper_(program.frm.Paper1()->Surface(), program.app.view) {
   auto& app = program_.app;
   canvas_ = std::make_unique<tavik::view::MapCanvas>(app.doc, app.view, display_, paper_, program_.frm, program_.dialogs);
+  canvas_->visibleOnly = true;  // the picture is the size of the window
   canvas_->RebuildScreenTables = [&app] {
     tavik::RebuildScreenPoints(app.doc, app.view);
     tavik::RebuildScreenEntities(app.doc, app.view);

@@ -47,10 +47,11 @@ bool OnSweep(double a, double a1, double a2) {
 }  // namespace
 
 void MapCanvas::ResetClip() {
-  clipLeft = 0;
-  clipTop = 0;
-  clipRight = 4.0 * view.ViewWidthPixels;
-  clipBottom = 4.0 * view.ViewHeightPixels;
+  const double w = view.ViewWidthPixels, h = view.ViewHeightPixels;
+  clipLeft = visibleOnly ? 1.5 * w : 0;
+  clipTop = visibleOnly ? 1.5 * h : 0;
+  clipRight = visibleOnly ? 2.5 * w : 4 * w;
+  clipBottom = visibleOnly ? 2.5 * h : 4 * h;
 }
 
 void MapCanvas::SetPen(ui::Rgb colour, int width, ui::LineStyle style) {

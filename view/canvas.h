@@ -41,6 +41,9 @@ struct MapCanvas {
   // The pixel rectangle of Paper1 worth drawing into. By default the whole paper, four
   // viewports each way; a renderer that only keeps the viewport narrows it.
   double clipLeft = 0, clipTop = 0, clipRight = 0, clipBottom = 0;
+  // The surface keeps only the visible area (Board) of Paper1: ResetClip narrows the clip
+  // to it, so nothing is drawn that no one would see.
+  bool visibleOnly = false;
   void ResetClip();
 
   // The pen as last set, so that decorations can draw in the colour of their line.

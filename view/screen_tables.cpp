@@ -164,15 +164,33 @@ int32_t RebuildScreenPoints(Document& doc, const View& view) {
 void EntityBoxes(const Entity& e, std::vector<Box>& boxes) {
   // Every vertex on its own: an unused one at 0, 0 takes part in the test too.
   for (int k = 0; k < 3; ++k) boxes.push_back(Box::At(e.X[k], e.Y[k]));
-  thread_local std::vector<double> E, N;
-  CurveSamples(e, E, N);
-  Box b{INFINITY, INFINITY, -INFINITY, -INFINITY};
-  for (std::size_t s = 0; s < E.size() && s < N.size(); ++s) {
-    if (std::isnan(E[s]) || std::isnan(N[s])) continue;
-    b.MinE = std::min(b.MinE, E[s]), b.MaxE = std::max(b.MaxE, E[s]);
-    b.MinN = std::min(b.MinN, N[s]), b.MaxN = std::max(b.MaxN, N[s]);
+  // A curve's samples lie on the circle of its centre and radius, found as the sampling
+  // finds them: the square round that circle holds them all. It is widened by a hair
+  // so that a last-bit difference in the radius can never leave a sample outside.
+  double ce = 0, cn = 0, r = 0;
+  switch (e.Kind) {
+    case KindArc3: {
+      CircleCentre3(e.X[0], e.Y[0], e.X[1], e.Y[1], e.X[2], e.Y[2], ce, cn);
+      r = std::sqrt((e.X[1] - ce) * (e.X[1] - ce) + (e.Y[1] - cn) * (e.Y[1] - cn));
+      break;
+    }
+    case KindCircle3: {
+      double x1 = e.X[0], y1 = e.Y[0], x2 = e.X[1], y2 = e.Y[1], x3 = e.X[2], y3 = e.Y[2];
+      SeparationNudge(x1, y1, x2, y2, x3, y3);
+      CircleCentre3(x1, y1, x2, y2, x3, y3, ce, cn);
+      r = std::hypot(e.X[1] - ce, e.Y[1] - cn);
+      break;
+    }
+    case KindCircle2:
+      ce = e.X[0], cn = e.Y[0];
+      r = std::hypot(e.X[1] - e.X[0], e.Y[1] - e.Y[0]);
+      break;
+    default:
+      return;
   }
-  if (b.MinE <= b.MaxE && b.MinN <= b.MaxN) boxes.push_back(b);
+  if (!std::isfinite(ce) || !std::isfinite(cn) || std::isnan(r)) return;  // nothing is sampled
+  const double hairE = 1e-9 * (std::fabs(ce) + r), hairN = 1e-9 * (std::fabs(cn) + r);
+  boxes.push_back({ce - r - hairE, cn - r - hairN, ce + r + hairE, cn + r + hairN});
 }
 
 bool EntityReachesScreen(const Entity& e, const View& view) {
