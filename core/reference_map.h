@@ -26,10 +26,16 @@ inline constexpr const char* ReferenceMapTwiceMessage = "參考圖已經讀入;�
 // Message when the chosen document holds no point and no entity.
 inline constexpr const char* ReferenceMapEmptyMessage = "參考圖沒有點位或圖元";
 
+// Why `doc` cannot take a reference map now (the message shown to the user), or "" when
+// it can: it must hold none yet, and no point or entity of its own.
+std::string ReferenceMapRefusal(const Document& doc);
+
 // Installs the live points and entities of `ref` (in their order, renumbered) as the
-// reference map of `doc`, appending them through AddPoint and AddEntity so the extent,
-// the screen tables and the work files follow; sets ReferenceMapLoaded and the two
-// counts and MapChanged. The base map and header of `ref` are not taken.
+// reference map of `doc`: the rows are appended as a block, the points on the screen
+// and every entity also to the screen tables (as AddPoint and AddEntity put them), the
+// extent grows over the points and the entities' vertices, and the two work files are
+// written whole once. Sets ReferenceMapLoaded, the two counts and MapChanged. The base
+// map and the header of `ref` are not taken.
 //
 // Refused (false, `refusal` says why in the words shown to the user, `doc` untouched)
 // when `doc` already has a reference map, when it holds any point or entity (deleted
