@@ -502,6 +502,7 @@ void LandSplit::Command2() {
   if (doc.EntityTable.size() > static_cast<std::size_t>(doc.EntityCount)) doc.EntityTable.resize(static_cast<std::size_t>(doc.EntityCount));
   std::erase_if(doc.ScreenPointTable, [&](const Point& p) { return p.Number > doc.PointCount; });
   std::erase_if(doc.ScreenEntityTable, [&](const Entity& e) { return e.Number > doc.EntityCount; });
+  RowsChanged(doc);
   doc.ScreenPointCount = static_cast<int32_t>(doc.ScreenPointTable.size());
   doc.ScreenEntityCount = static_cast<int32_t>(doc.ScreenEntityTable.size());
   doc.DeletedPointCount = doc.DeletedEntityCount = 0;
