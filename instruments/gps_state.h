@@ -49,6 +49,8 @@ struct GpsState {
   double SounderDepth = 0;
   double SounderDepth2 = 0;
   double Heave = 0, Roll = 0, Pitch = 0;
+  // The line last assembled on a sounder port.
+  std::string SounderLine;
 
   // What the view does when the position leaves the screen: with OffScreenShift the
   // centre moves to it at the same scale, otherwise the view widens to hold it, unless
