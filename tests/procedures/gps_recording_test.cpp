@@ -78,9 +78,9 @@ TEST_F(GpsRecording, WayAndGstkLinesByteForByte) {
 
   gps.GpsX = 1010.5;
   gps.GpsY = 1999.25;
-  rec.gps.StakeName = "P7";
-  rec.gps.StakeX = 1010;
-  rec.gps.StakeY = 2000;
+  gps.StakeName = "P7";
+  gps.StakeX = 1010;
+  gps.StakeY = 2000;
   rec.RecordObservation(3, -1, gps.GpsX, gps.GpsY, gps.GpsGround);
   EXPECT_EQ(File(".GSTK"), "P7,1010.500,1999.250,29.500,0.0125,0.02,0.5,2026/11/23,14:05:09,0.500,-0.750\r\n");
   EXPECT_EQ(doc.PointCount, 3);
@@ -160,8 +160,8 @@ TEST_F(GpsRecording, OffScreenRulesAndTheStakeOutZoom) {
     doc.ViewCentreN = 2000;
     view::ComputeView(doc, view);
     viewChanges = 0;
-    rec.gps.OffScreenShift = c.shift;
-    rec.gps.MoveMap = c.moveMap;
+    gps.OffScreenShift = c.shift;
+    gps.MoveMap = c.moveMap;
     At(c.E, c.N);
     EXPECT_EQ(std::to_string(viewChanges) + " " + num::Plain(doc.ScaleDenominator) + " " +
                   num::Plain(doc.ViewCentreE) + " " + num::Plain(doc.ViewCentreN),
@@ -169,21 +169,21 @@ TEST_F(GpsRecording, OffScreenRulesAndTheStakeOutZoom) {
         << c.shift << c.moveMap << " " << c.E;
   }
   // 圖面縮小: the view takes in the rover and grows by 5 per cent.
-  rec.gps.OffScreenShift = kFalse;
-  rec.gps.MoveMap = kFalse;
+  gps.OffScreenShift = kFalse;
+  gps.MoveMap = kFalse;
   At(5000, 2000);
   EXPECT_TRUE(view.InScreen(5000, 2000));
   EXPECT_GT(doc.ScaleDenominator, 1000);
   // Stake-out: rover and target both in sight, and the scale never below 1.
-  rec.gps.StakeActive = kTrue;
-  rec.gps.StakeName = "T";
-  rec.gps.StakeX = 9000;
-  rec.gps.StakeY = 9000;
+  gps.StakeActive = kTrue;
+  gps.StakeName = "T";
+  gps.StakeX = 9000;
+  gps.StakeY = 9000;
   At(5000, 2000);
   EXPECT_TRUE(view.InScreen(9000, 9000));
   EXPECT_TRUE(view.InScreen(5000, 2000));
-  rec.gps.StakeX = 5000.0001;
-  rec.gps.StakeY = 2000;
+  gps.StakeX = 5000.0001;
+  gps.StakeY = 2000;
   doc.ScaleDenominator = 1;
   view::ComputeView(doc, view);
   At(5000.001, 2000);
