@@ -173,8 +173,9 @@ struct Exporter {
       const double dx = (e.Code >= 872 && e.Code <= 874) ? 0.2 : 0.45;
       out.Text(L, "256", E - dx * U, N - 0.1 * U, H, 0.25 * U, Trimmed(e.Name));
     }
+    static const std::string heightSuffix = text::ToCp950("_高程");
     if (e.Code / 100 == 1 && topo)
-      out.Text(L + text::ToCp950("_高程"), "7", E - 0.55 * U, N - 0.5 * U, H, 0.25 * U, num::Format(H, "0.000"));
+      out.Text(L + heightSuffix, "7", E - 0.55 * U, N - 0.5 * U, H, 0.25 * U, num::Format(H, "0.000"));
   }
 
   // Short crossing lines along a line: ticks of 510 and 905 stand on the left side,
