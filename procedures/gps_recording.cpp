@@ -195,12 +195,12 @@ void GpsRecorder::Timer4Tick() {
 // ---------------------------------------------------------------------------------------
 // Records
 
-void GpsRecorder::RecordObservation(int kind, int flag, double E, double N, double H) {
+bool GpsRecorder::RecordObservation(int kind, int flag, double E, double N, double H) {
   SurveyState& s = ctx_.survey;
   if (flag == -1) s.PointAdded = kFalse;
   if (s.PointAdded != kFalse) {
     AddSurveyPoint(ctx_, kind, true, E, N, H);  // adds nothing; shows the counts
-    return;
+    return false;
   }
   AddSurveyPoint(ctx_, kind, true, E, N, H);
   const WayClock clock = Now();
@@ -215,6 +215,7 @@ void GpsRecorder::RecordObservation(int kind, int flag, double E, double N, doub
   }
   gps_.LastRecordedX = E;
   gps_.LastRecordedY = N;
+  return true;
 }
 
 void GpsRecorder::LinkRecord(double E, double N, double H, bool flag) {

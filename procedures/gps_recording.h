@@ -115,8 +115,8 @@ class GpsRecorder {
 
   // Stores a record. Kind 1 a GPS record (point and WAY line), 3 a stake-out record
   // (point and GSTK line; the caller shows its message). Flag -1 asks for the point to
-  // be added even when one was just added.
-  void RecordObservation(int kind, int flag, double E, double N, double H);
+  // be added even when one was just added. False when no point was added.
+  bool RecordObservation(int kind, int flag, double E, double N, double H);
   // The connecting line from the previous record of the route to E, N, H; and, when
   // the run has ended (`flag` true), the route's end and length label.
   void LinkRecord(double E, double N, double H, bool flag);

@@ -2,7 +2,8 @@
 // It prints the device path for TAVIK's COM port on its first line, then answers the
 // family's requests from a scene. Commands on standard input: fire, next, target N,
 // fault KIND, pull (the cable is pulled), quit. With --gnss KIND it plays a GNSS
-// receiver instead (gnss_main.cpp).
+// receiver instead (gnss_main.cpp), with --sounder KIND or --motion TSS_DMS3 a depth
+// sounder or the motion sensor (sounder.cpp).
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
@@ -20,6 +21,7 @@
 #include "tools/sim/instrument.h"
 #include "tools/sim/gnss.h"
 #include "tools/sim/pty.h"
+#include "tools/sim/sounder.h"
 
 namespace {
 
@@ -30,7 +32,8 @@ const char* kUsage =
     "                 [--device PATH] [--fault KIND[@N]] [--garbage N] [--hold] [--auto MS]\n"
     "                 [--record FILE] [--model NAME] [--serial N] [--verbose]\n"
     "faults: e200 tilt garbled half silence face2 disconnect\n"
-    "       tavik-sim --gnss KIND ... (tavik-sim --gnss --help)\n";
+    "       tavik-sim --gnss KIND ... (tavik-sim --gnss --help)\n"
+    "       tavik-sim --sounder KIND | --motion TSS_DMS3 ... (tavik-sim --sounder x --help)\n";
 
 }  // namespace
 
@@ -38,6 +41,8 @@ int main(int argc, char** argv) {
   signal(SIGPIPE, SIG_IGN);
   for (int i = 1; i < argc; ++i)
     if (std::string(argv[i]) == "--gnss") return GnssMain(argc, argv);
+  for (int i = 1; i < argc; ++i)
+    if (std::string(argv[i]) == "--sounder" || std::string(argv[i]) == "--motion") return SounderMain(argc, argv);
   std::string familyName = "SET", scenePath, device, faultText, recordPath;
   Options options;
   int autoMs = -1;
