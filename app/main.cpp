@@ -9,6 +9,7 @@
 #include <string>
 
 #include "app/edit_wiring.h"
+#include "app/gps_station.h"
 #include "app/frmlandsplit.h"
 #include "app/survey_station.h"
 #include "procedures/observation_pipeline.h"
@@ -51,6 +52,7 @@ int main(int argc, char** argv) {
   EditWiring edit(program);
   program.survey->ConnectEditor(edit.Editor(), edit.Host());
   LandSplitStation landSplit(program, edit);
+  GpsStation gpsStation(program, edit);
   // Space records a shot, as the record button does.
   edit.FrameCommands["Measure"] = [&program] { tavik::RecButton(program.survey->ctx); };
   // Maximised to the desktop's work area; set by hand too, for desktops without a

@@ -37,7 +37,10 @@ const std::pair<const char*, const char*> kModeItems[] = {
     {"MainMnuAutoLink", "TS"},   {"SetupFace2", "TS"},  {"WaitPanel", "TS"},      {"SurveyPanel", "TS"},
     {"mnuGpsInit", "GPS"}};
 
+// An item may also carry its mode itself, in the property "measureMode".
 const char* ModeOf(const QObject* item) {
+  const QVariant own = item->property("measureMode");
+  if (own.isValid()) return own.toString() == "GPS" ? "GPS" : "TS";
   const QString name = item->objectName();
   for (const auto& [control, mode] : kModeItems)
     if (name == QLatin1String(control)) return mode;
