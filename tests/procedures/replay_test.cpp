@@ -14,6 +14,8 @@
 #include "core/temp_home.h"
 #include "core/workfiles.h"
 #include "platform/scripted/scripted.h"
+#include "procedures/gps_recording.h"
+#include "survey_fixture.h"
 
 namespace tavik {
 namespace {
@@ -288,6 +290,51 @@ TEST_F(ReplayFixture, CrashDuringReplayLeavesTheSurveyorsJournal) {
   EXPECT_EQ(after.doc.PointCount, 5);
   EXPECT_EQ(after.doc.ScaleDenominator, 500);
   EXPECT_EQ(after.doc.EntityTable.at(0).Name, "P1");
+}
+
+// A run recorded by distance through the recorder's own WAY writer, then replayed: the
+// marker walks exactly the recorded points, in order.
+TEST_F(ReplayFixture, RecordedRunReplaysAlongItsPoints) {
+  InstrumentState inst;
+  inst.MeasureMode = "GPS";
+  SurveyState survey;
+  testing::RecordingWindow window;
+  SurveyContext ctx{app.doc, app.view, app.work, inst, survey, dialogs, window, [] { return std::string("x"); }, {}};
+  GnssSetup setup;
+  GpsRecorder rec{ctx, gps, setup, panels};
+  rec.hooks.PortOpen = [] { return true; };
+  ASSERT_TRUE(rec.RecTypeOk("Dist", "2"));
+  gps.GpsX = gps.GpsY = 0;
+  rec.LogButton_Click();
+  ASSERT_TRUE(rec.Running());
+  for (int i = 0; i <= 120; ++i) {  // a quarter circle of 40 m radius, a position every 0.33 m
+    const double a = i * 0.00825;
+    gps.GpsPrevX = gps.GpsX;
+    gps.GpsPrevY = gps.GpsY;
+    gps.GpsX = 300 + 40 * std::sin(a);
+    gps.GpsY = 400 + 40 * std::cos(a);
+    gps.GpsHeight = 31;
+    gps.GpsGround = 29.5;
+    rec.ContinuePositionUpdate();
+  }
+  rec.LogButton_Click();
+  ASSERT_GT(app.doc.PointCount, 15);
+  std::vector<std::pair<double, double>> recorded;
+  for (std::size_t i = 5; i < app.doc.PointTable.size(); ++i)
+    recorded.emplace_back(app.doc.PointTable[i].E, app.doc.PointTable[i].N);
+  const std::string way = app.doc.WayPath;
+
+  dialogs.answers = {ui::Answer::No};
+  ASSERT_TRUE(replay->ChooseFile(way));
+  replay->Play();
+  RunToEnd();
+  ASSERT_EQ(marker.size(), recorded.size());
+  for (std::size_t i = 0; i < marker.size(); ++i) {
+    EXPECT_NEAR(marker[i].first, recorded[i].first, 0.0005);
+    EXPECT_NEAR(marker[i].second, recorded[i].second, 0.0005);
+  }
+  replay->End();
+  EXPECT_EQ(app.doc.PointCount, static_cast<int32_t>(recorded.size()) + 5);
 }
 
 }  // namespace
