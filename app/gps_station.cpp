@@ -92,10 +92,14 @@ void GpsStation::OpenStakeOut() {
     window->DrawSymbol(code, E, N, H, name);
     program_.cycle.ShowCounts();
   };
-  h.DrawTargetMark = [window](double E, double N, int16_t code, const std::string& name) {
+  h.DrawTargetMark = [this, window](double E, double N, int16_t code, const std::string& name) {
+    window->SetTargetCircle(ends.gps->StakeRadius);
     window->DrawTargetMark(E, N, code, name);
   };
-  h.EraseTargetMark = [window] { window->EraseTargetMark(); };
+  h.EraseTargetMark = [window] {
+    window->SetTargetCircle(0);
+    window->EraseTargetMark();
+  };
   h.ViewChanged = [this] { ViewChanged(); };
   stakeOut_->StartPick = [this] {
     stakeOut_->hide();
@@ -103,7 +107,7 @@ void GpsStation::OpenStakeOut() {
   };
   // A target chosen earlier stays chosen: its mark comes back with the window.
   if (!ends.gps->StakeName.empty())
-    window->DrawTargetMark(ends.gps->StakeX, ends.gps->StakeY, ends.gps->StakeCode, ends.gps->StakeName);
+    h.DrawTargetMark(ends.gps->StakeX, ends.gps->StakeY, ends.gps->StakeCode, ends.gps->StakeName);
 }
 
 void GpsStation::StakeRefresh() {

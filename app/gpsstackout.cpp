@@ -184,6 +184,9 @@ void GPSstackOut::OpenSetup() {
     if (StartPick) StartPick();
   };
   dlg.exec();
+  // The alarm circle may have a new radius.
+  if (!gps_.StakeName.empty() && logic_.hooks.DrawTargetMark)
+    logic_.hooks.DrawTargetMark(gps_.StakeX, gps_.StakeY, gps_.StakeCode, gps_.StakeName);
   Push();
 }
 

@@ -128,6 +128,11 @@ void SurveyPanel::Overlays() {
   if (targetShown_ && ToPixel(targetE_, targetN_, x, y)) {
     s.SetPen(kRed, 1, tavik::ui::LineStyle::Solid);
     for (float r : {2.f, 3.f, 4.f}) s.Circle(x, y, r);
+    if (targetRadius_ > 0) {
+      s.SetPen(kRed, 1, tavik::ui::LineStyle::Dash);
+      s.Circle(x, y, static_cast<float>(targetRadius_ / (app_.doc.ScaleDenominator / 100) * tavik::PixelsPerCm));
+      s.SetPen(kRed, 1, tavik::ui::LineStyle::Solid);
+    }
     s.Text(x + 4, y - 2 - 12, targetName_, kRed, 12);
   }
 }

@@ -62,6 +62,8 @@ class SurveyPanel : public QDockWidget, public tavik::SurveyWindow {
   bool Blinking() const { return timer3_.isActive(); }
   // Another document or none: no station, no target, no last point.
   void Forget();
+  // The GPS stake-out's alarm circle round the target mark, in metres; 0 draws none.
+  void SetTargetCircle(double metres) { targetRadius_ = metres; }
 
  private:
   QLabel* AddLabel(class QFormLayout* form, const char* name, const QString& caption);
@@ -83,6 +85,7 @@ class SurveyPanel : public QDockWidget, public tavik::SurveyWindow {
   double stationE_ = 0, stationN_ = 0;
   bool targetShown_ = false;
   double targetE_ = 0, targetN_ = 0;
+  double targetRadius_ = 0;
   std::string targetName_;
   std::string lastCadastralName_;
 };
