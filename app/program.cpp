@@ -8,6 +8,7 @@
 #include "app/edit_wiring.h"
 #include "app/export_menu.h"
 #include "app/gpsinitdlg.h"
+#include "app/ntrip_link.h"
 #include "app/survey_panel.h"
 #include "app/survey_station.h"
 #include "procedures/demo_document.h"
@@ -75,6 +76,8 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
   };
   survey->MakePort = [this] { return std::make_unique<tavik::ui::QtSerialPort>(&store); };
   exports = new ExportMenu(*this);
+  ntrip = std::make_unique<NtripLink>(frm, dialogs, store);
+  ntrip->MakePort = [this] { return std::make_unique<tavik::ui::QtSerialPort>(&store); };
 
   // Save, Close, Exit and every full repaint stop the blinking mark of the last point;
   // Close and Exit let go of the instrument's ports, which the next request opens again.

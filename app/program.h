@@ -18,6 +18,7 @@ class SurveyStation;
 
 class EditWiring;
 class ExportMenu;
+class NtripLink;
 
 class Program {
  public:
@@ -45,6 +46,8 @@ class Program {
   EditWiring* edit = nullptr;
   // The 匯出 menu: DXF drawing, CSV side tables, text report (owned by the window).
   ExportMenu* exports = nullptr;
+  // Corrections over the network: the rover's NTRIP client and the base's NTRIP server.
+  std::unique_ptr<NtripLink> ntrip;
 
   ~Program();
   // --demo: a fresh demo document from the simulator's scene file, opened at once.

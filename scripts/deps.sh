@@ -5,7 +5,7 @@ set -euo pipefail
 want=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-serialport-dev libqt6serialport6
       libgtest-dev libgmock-dev libbenchmark-dev fonts-wqy-zenhei ccache)
 if [ "${1:-test}" = test ]; then
-  want+=(libproj-dev proj-bin gdal-bin xvfb xauth python3 python3-ezdxf librecad poppler-utils)
+  want+=(libproj-dev proj-bin gdal-bin xvfb xauth python3 python3-ezdxf librecad poppler-utils rtklib)
 fi
 missing=()
 for p in "${want[@]}"; do
