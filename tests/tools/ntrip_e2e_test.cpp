@@ -306,10 +306,10 @@ TEST_F(NtripE2e, ServerStreamReachesStr2strAsClient) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.legend);
-    Child client({"str2str", "-in", from, "-out", "file://" + File("got.rtcm")}, File("client.out"),
-                 File("client.err"), false);
+    const std::string gotPath = File(std::string(c.legend) + ".rtcm");  // one file per run, none left over
+    Child client({"str2str", "-in", from, "-out", "file://" + gotPath}, File("client.out"), File("client.err"), false);
     Child server(c.server, File("server.out"), File("server.err"), true);
-    auto got = [&] { return ReadBytes(File("got.rtcm")); };
+    auto got = [&] { return ReadBytes(gotPath); };
     std::size_t at = Trickle(server.in, frames, 0, frames.size(), [&] { return !got().empty(); });
     ASSERT_FALSE(got().empty()) << ReadBytes(File("server.err")) << ReadBytes(File("relay.err"));
     Trickle(server.in, frames, at, frames.size(), [&] { return EndsWithRunOf(got(), frames, frames.size()); }, 4096);
