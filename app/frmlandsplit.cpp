@@ -149,7 +149,7 @@ template <typename F>
 void frmLandSplit::Act(F f) {
   f();
   Refresh();
-  if (auto* p = parentWidget()) p->update();
+  if (PaperChanged) PaperChanged();
 }
 
 void frmLandSplit::Refresh() {
@@ -247,6 +247,7 @@ void LandSplitStation::OpenSplit() {
   };
   l.Open();
   dialog_ = new frmLandSplit(l, &program_.frm);
+  dialog_->PaperChanged = [this] { PaperChanged(); };
   dialog_->setAttribute(Qt::WA_DeleteOnClose);
   connect(dialog_, &QObject::destroyed, this, [this] {
     dialog_ = nullptr;

@@ -10,6 +10,7 @@
 #include <QDialog>
 #include <QObject>
 #include <array>
+#include <functional>
 #include <memory>
 
 #include "cadastre/land_split.h"
@@ -34,6 +35,8 @@ class frmLandSplit : public QDialog {
   QLineEdit* Text2() const { return text2_; }
   QLineEdit* Text3() const { return text3_; }
   QRadioButton* Option(int k) const { return options_[static_cast<std::size_t>(k - 1)]; }
+  // The map picture changed (a cut or a mark drawn): the window shows it.
+  std::function<void()> PaperChanged;
 
  private:
   // Runs one action of the logic and shows its outcome.
