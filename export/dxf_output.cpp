@@ -89,6 +89,7 @@ bool DXFOutputLogic::OKButton(const fs::path& symbolDir) {
     dialogs_.MsgBox(r.message, r.title.empty() ? Caption : r.title);
     return false;
   }
+  for (const std::string& warning : r.warnings) dialogs_.MsgBox(warning, Caption);
   Label4 = r.label4;
   if (options.WriteReport != kFalse) {
     const std::string why = WriteDocumentReport(doc_, areaUnit_, ReportPathFor(target), ReportTimeNow());
