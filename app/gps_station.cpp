@@ -62,7 +62,12 @@ GpsStation::GpsStation(Program& program, EditWiring& edit) : QObject(&program.fr
   };
 }
 
-GpsStation::~GpsStation() = default;
+// The windows go first, while what their closing reaches (the document cycle, the map)
+// is still there: a replay still open gives the surveyor's document back.
+GpsStation::~GpsStation() {
+  delete replay_;
+  delete stakeOut_;
+}
 
 void GpsStation::ViewChanged() {
   tavik::App& app = program_.app;

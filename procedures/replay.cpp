@@ -142,7 +142,6 @@ struct RePlayLogic::Aside {
   GpsPanels panels;
   int16_t MinutesSinceSave = 0;
   bool BaseMapOn = false;
-  bool autosave = false;
 };
 
 RePlayLogic::RePlayLogic(App& app, GpsState& gps, GpsPanels& panels, ui::Dialogs& dialogs,
@@ -230,7 +229,7 @@ bool RePlayLogic::PutDocumentAside() {
     }
   }
   auto aside = std::make_unique<Aside>(Aside{Document{}, WorkFiles(AppPaths(fs::path(scratchHome_))), app_.view,
-                                             gps_, panels_, app_.MinutesSinceSave, app_.BaseMapOn, false});
+                                             gps_, panels_, app_.MinutesSinceSave, app_.BaseMapOn});
   std::error_code ec;
   fs::create_directories(fs::path(scratchHome_), ec);
 
@@ -248,7 +247,6 @@ bool RePlayLogic::PutDocumentAside() {
   aside->doc = std::move(doc);
   doc = std::move(scratch);
   std::swap(aside->work, app_.work);
-  aside->autosave = false;
   if (hooks.EnableAutosave) hooks.EnableAutosave(false);
   app_.BaseMapOn = false;
   aside_ = std::move(aside);
