@@ -16,6 +16,7 @@
 #include <QWheelEvent>
 #include <tuple>
 
+#include "app/gnss_wiring.h"
 #include "app/legmenu.h"
 #include "app/survey_station.h"
 #include "procedures/observation_pipeline.h"
@@ -88,7 +89,7 @@ class EditWiring::WindowHost : public tavik::edit::MapHost {
   }
   void FrameCommand(const std::string& key) override { Run(key); }
   void Measure() override { Run("Measure"); }
-  std::string MeasureMode() const override { return w_.program_.app.ini.MeasureMode; }
+  std::string MeasureMode() const override { return w_.program_.instruments.inst.MeasureMode; }
   // No receiver is read yet, so there is never a fix: in GPS mode the keyed angle says so.
   bool HasGpsFix() const override { return false; }
   void ShowManual() override { w_.program_.frm.ShowManual(); }
@@ -137,6 +138,10 @@ EditWiring::EditWiring(Program& program)
     tavik::SurveyContext& ctx = program_.survey->ctx;
     if (ctx.window.ShowKeyedObservation()) tavik::ReducePoint(ctx);
   };
+  if (GnssWiring* gnss = program_.gnss.get()) {
+    for (const char* key : {"連接COM1", "接收資料", "停止接收"})
+      FrameCommands[key] = [gnss, k = std::string(key)] { gnss->Toolbar1Click(k); };
+  }
   // New, Open, Save and Close end any pointer command and start a fresh view history.
   cycle.hooks.ResetPointer = [this] {
     editor_->Reset();
@@ -182,11 +187,13 @@ void EditWiring::BuildToolbars() {
     const char* key;
     const char* caption;
   };
-  // The receiver's three buttons ("連接COM1", "接收資料", "停止接收") join Toolbar1 with
-  // the GNSS link; until then the bar shows only buttons that do something.
+  // The receiver's three buttons show in GPS mode only; receive and stop wait for a connect.
   static const B t1[] = {{"開新圖", "開新圖"},
                          {"開啟舊圖", "開啟舊圖"},
                          {"快速存檔", "快速存檔"},
+                         {"連接COM1", "連線"},
+                         {"接收資料", "接收"},
+                         {"停止接收", "切斷連線"},
                          {"輸入座標", "輸入座標"},
                          {"輸入角度", "輸入角度"},
                          {"手動引點", "手動引點"},
@@ -219,6 +226,7 @@ void EditWiring::BuildToolbars() {
     const std::string key = b.key;
     bool unused;
     a->setCheckable(key == "ZW" || key == "手動引點" || tavik::view::ToggleState(display_, key, unused));
+    if (key == "接收資料" || key == "停止接收") a->setEnabled(false);
     connect(a, &QAction::triggered, this, [this, key] {
       editor_->Toolbar1Click(key);
       host_->ModeChanged(editor_->Ptr.ActionMode);  // a refused mode must not stay pressed

@@ -70,12 +70,13 @@ void GpsInitDlg::reject() {
 }
 
 void AddGpsInitCommand(MainFrm& frm, tavik::GpsDatumSettings& settings, tavik::SoftwareIni& ini,
-                       std::function<bool()> msComm1Open) {
+                       std::function<bool()> msComm1Open,
+                       std::function<void(const tavik::GpsInitOk&)> afterOk) {
   QMenu* setup = frm.Menu("MainMnuSetup");
   if (!setup) return;
   QAction* a = setup->addAction(QString::fromUtf8("衛星接收儀啟動設定..."));
   a->setObjectName("mnuGpsInit");
-  QObject::connect(a, &QAction::triggered, &frm, [&frm, &settings, &ini, msComm1Open] {
+  QObject::connect(a, &QAction::triggered, &frm, [&frm, &settings, &ini, msComm1Open, afterOk] {
     auto show = [&frm](const char* name, const std::string& text, tavik::ui::Rgb colour) {
       if (auto* l = frm.findChild<QLabel*>(name)) {
         l->setText(QString::fromStdString(text));
@@ -90,6 +91,7 @@ void AddGpsInitCommand(MainFrm& frm, tavik::GpsDatumSettings& settings, tavik::S
       ini.CentralMeridian = settings.CentralMeridian;
       show("Label25(0)", ok.Label25_0, ok.Label25_0Colour);
       show("Label4", ok.Label4, ok.Label4Colour);
+      if (afterOk) afterOk(ok);
     }, &frm);
     dlg.exec();
   });

@@ -41,5 +41,7 @@ class GpsInitDlg : public QDialog {
 
 // The menu entry under 設定: opens the dialog on `settings`; OK writes the pair into the
 // remembered settings and shows it in Label25(0) and Label4 where the window has them.
+// `afterOk` lets the receiver follow (its datum label, closing its port).
 void AddGpsInitCommand(MainFrm& frm, tavik::GpsDatumSettings& settings, tavik::SoftwareIni& ini,
-                       std::function<bool()> msComm1Open);
+                       std::function<bool()> msComm1Open,
+                       std::function<void(const tavik::GpsInitOk&)> afterOk = nullptr);

@@ -1,6 +1,9 @@
 #include "app/instoptions.h"
 
 #include <QButtonGroup>
+#include <QCheckBox>
+#include <QDoubleValidator>
+#include <QLineEdit>
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -11,16 +14,20 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
+#include "core/numbers.h"
+
 namespace {
 QString Q(const std::string& s) { return QString::fromStdString(s); }
 }  // namespace
 
 InstOptions::InstOptions(tavik::InstrumentState& state, tavik::ui::Dialogs& dialogs, tavik::InstOptionsHost& host,
-                         tavik::ui::SettingsStore* settings, QWidget* parent)
+                         tavik::ui::SettingsStore* settings, tavik::GnssSetup* gnss, QWidget* parent)
     : QDialog(parent),
       state_(state),
       port_(settings),
-      logic_(state, dialogs, host, port_, timer1_, timer2_) {
+      logic_(state, dialogs, host, port_, timer1_, timer2_),
+      gnss_(gnss) {
+  logic_.gnss = gnss;
   setObjectName("InstOptions");
   setWindowTitle("儀器選單");
   auto* layout = new QVBoxLayout(this);
@@ -36,6 +43,7 @@ InstOptions::InstOptions(tavik::InstrumentState& state, tavik::ui::Dialogs& dial
     other->setObjectName(QString("picOptions(%1)").arg(tabs_->count()));
     tabs_->addTab(other, caption);
   }
+  if (gnss_) BuildGnssTab(tabs_->widget(1));
   auto* grid = new QGridLayout(ts);
 
   auto* kinds = new QGroupBox("儀器", ts);
@@ -134,6 +142,113 @@ InstOptions::InstOptions(tavik::InstrumentState& state, tavik::ui::Dialogs& dial
   ShowState();
 }
 
+void InstOptions::BuildGnssTab(QWidget* tab) {
+  auto* grid = new QGridLayout(tab);
+  auto* kinds = new QGroupBox("接收儀", tab);
+  auto* kindsLayout = new QVBoxLayout(kinds);
+  receiverGroup_ = new QButtonGroup(this);
+  auto* group = receiverGroup_;
+  for (const std::string& kind : tavik::GnssReceiverKinds()) {
+    auto* b = new QRadioButton(Q(kind), kinds);
+    b->setObjectName(Q("OptGps(" + kind + ")"));
+    kindsLayout->addWidget(b);
+    group->addButton(b);
+    receivers_[kind] = b;
+    connect(b, &QRadioButton::clicked, this, [this, kind] {
+      logic_.PickReceiver(kind);
+      ShowState();
+    });
+  }
+  grid->addWidget(kinds, 0, 0, 4, 1);
+
+  auto* portBox = new QGroupBox("通訊參數", tab);
+  auto* portLayout = new QHBoxLayout(portBox);
+  gpsPort_ = new QComboBox(portBox);
+  gpsPort_->setObjectName("GpsPortCombo");
+  for (int n : tavik::InstOptionsLogic::PortChoices()) gpsPort_->addItem(QString("COM%1").arg(n), n);
+  gpsBaud_ = new QComboBox(portBox);
+  gpsBaud_->setObjectName("GpsBaudCombo");
+  for (int b : tavik::InstOptionsLogic::SpeedChoices()) gpsBaud_->addItem(QString::number(b), b);
+  portLayout->addWidget(gpsPort_);
+  portLayout->addWidget(new QLabel("鮑率", portBox));
+  portLayout->addWidget(gpsBaud_);
+  grid->addWidget(portBox, 0, 1);
+  connect(gpsPort_, &QComboBox::activated, this,
+          [this](int i) { gnss_->CommPortNumber = static_cast<int16_t>(gpsPort_->itemData(i).toInt()); });
+  connect(gpsBaud_, &QComboBox::activated, this, [this](int i) { gnss_->CommBaud = gpsBaud_->itemData(i).toInt(); });
+
+  auto* diffBox = new QGroupBox("差分方式", tab);
+  auto* diffLayout = new QHBoxLayout(diffBox);
+  const std::pair<const char*, const char*> diffs[] = {{"Option7", "SBAS差分"}, {"Option19", "eGPS"}, {"Option21", "RTK"}};
+  for (int i = 0; i < 3; ++i) {
+    differential_[i] = new QRadioButton(diffs[i].second, diffBox);
+    differential_[i]->setObjectName(diffs[i].first);
+    diffLayout->addWidget(differential_[i]);
+    connect(differential_[i], &QRadioButton::clicked, this, [this, i] {
+      logic_.PickDifferential(static_cast<tavik::InstOptionsLogic::Differential>(i));
+    });
+  }
+  correction_ = new QComboBox(diffBox);
+  correction_->setObjectName("CorrectionCombo");
+  for (const std::string& f : tavik::InstOptionsLogic::CorrectionFormats()) correction_->addItem(Q(f));
+  diffLayout->addWidget(new QLabel("修正訊號格式", diffBox));
+  diffLayout->addWidget(correction_);
+  connect(correction_, &QComboBox::activated, this,
+          [this](int i) { gnss_->CorrectionFormat = correction_->itemText(i).toStdString(); });
+  grid->addWidget(diffBox, 1, 1);
+
+  auto* imuBox = new QGroupBox(tab);
+  auto* imuLayout = new QHBoxLayout(imuBox);
+  check3_ = new QCheckBox("IMU中心與天線偏移量", imuBox);
+  check3_->setObjectName("Check3");
+  imuLayout->addWidget(check3_);
+  connect(check3_, &QCheckBox::toggled, this, [this](bool on) { gnss_->ImuAttached = on ? -1 : 0; });
+  double* targets[3] = {&gnss_->ImuOffsetX, &gnss_->ImuOffsetY, &gnss_->ImuOffsetZ};
+  for (int i = 0; i < 3; ++i) {
+    offsets_[i] = new QLineEdit(imuBox);
+    offsets_[i]->setObjectName(QString("TextImu(%1)").arg(i));
+    offsets_[i]->setValidator(new QDoubleValidator(offsets_[i]));
+    offsets_[i]->setMaximumWidth(70);
+    imuLayout->addWidget(offsets_[i]);
+    double* target = targets[i];
+    connect(offsets_[i], &QLineEdit::textEdited, this, [this, target, i] {
+      *target = tavik::num::ParseLenient(offsets_[i]->text().toStdString());
+    });
+  }
+  grid->addWidget(imuBox, 2, 1);
+  ShowGnss();
+}
+
+void InstOptions::MarkReceiver() {
+  receiverGroup_->setExclusive(false);
+  for (auto& [kind, b] : receivers_) b->setChecked(state_.MeasureMode == "GPS" && kind == gnss_->GpsReceiverKind);
+  receiverGroup_->setExclusive(true);
+}
+
+void InstOptions::ShowGnss() {
+  if (!gnss_) return;
+  MarkReceiver();
+  gpsPort_->setCurrentIndex(gpsPort_->findData(static_cast<int>(gnss_->CommPortNumber)));
+  int speed = gpsBaud_->findData(static_cast<int>(gnss_->CommBaud));
+  if (speed < 0) {
+    gpsBaud_->addItem(QString::number(gnss_->CommBaud), static_cast<int>(gnss_->CommBaud));
+    speed = gpsBaud_->count() - 1;
+  }
+  gpsBaud_->setCurrentIndex(speed);
+  int format = correction_->findText(Q(gnss_->CorrectionFormat));
+  if (format < 0) {
+    correction_->addItem(Q(gnss_->CorrectionFormat));
+    format = correction_->count() - 1;
+  }
+  correction_->setCurrentIndex(format);
+  differential_[0]->setChecked(gnss_->DiffSbas != 0);
+  differential_[1]->setChecked(gnss_->DiffEgps != 0);
+  differential_[2]->setChecked(gnss_->DiffRtk != 0);
+  check3_->setChecked(gnss_->ImuAttached != 0);
+  const double values[3] = {gnss_->ImuOffsetX, gnss_->ImuOffsetY, gnss_->ImuOffsetZ};
+  for (int i = 0; i < 3; ++i) offsets_[i]->setText(Q(tavik::num::Plain(values[i])));
+}
+
 void InstOptions::ShowState() {
   for (auto& [id, b] : options_) {
     if (logic_.marked == id) b->setChecked(true);
@@ -154,6 +269,10 @@ void InstOptions::ShowState() {
   opt3D_->setChecked(logic_.Opt3D);
   label6_->setText(Q(logic_.Label6_1));
   if (logic_.focusOK) ok_->setFocus();
+  if (gnss_) {
+    // A total-station pick leaves GPS mode: no receiver stays marked.
+    MarkReceiver();
+  }
 }
 
 void InstOptions::accept() {

@@ -1,7 +1,8 @@
 // InstOptions, 儀器選單: the window over InstOptionsLogic. Tabs for total stations,
-// GNSS receivers and depth sounders (the latter two are filled by their own parts); the
+// GNSS receivers and depth sounders (the last is filled by its own part); the
 // total-station tab has the option buttons, port and speed, 2D/3D, help, automatic
-// identification, power and rotation. The dialog has its own port MSComm1 and the
+// identification, power and rotation; the GNSS tab the receiver kind, its port and
+// speed, the correction format, the differential choice and the IMU offset. The dialog has its own port MSComm1 and the
 // timers Timer1 (power-on delay) and Timer2 (identification probes).
 #pragma once
 
@@ -21,7 +22,7 @@ class InstOptions : public QDialog {
   Q_OBJECT
  public:
   InstOptions(tavik::InstrumentState& state, tavik::ui::Dialogs& dialogs, tavik::InstOptionsHost& host,
-              tavik::ui::SettingsStore* settings, QWidget* parent = nullptr);
+              tavik::ui::SettingsStore* settings, tavik::GnssSetup* gnss = nullptr, QWidget* parent = nullptr);
 
   tavik::InstOptionsLogic& Logic() { return logic_; }
   QRadioButton* Option(tavik::InstOption option) const { return options_.at(option); }
@@ -33,6 +34,9 @@ class InstOptions : public QDialog {
 
  private:
   void ShowState();
+  void BuildGnssTab(QWidget* tab);
+  void ShowGnss();
+  void MarkReceiver();
 
   tavik::InstrumentState& state_;
   tavik::ui::QtSerialPort port_;
@@ -46,4 +50,13 @@ class InstOptions : public QDialog {
   QRadioButton* opt3D_ = nullptr;
   QLabel* label6_ = nullptr;
   class QPushButton* ok_ = nullptr;
+  tavik::GnssSetup* gnss_ = nullptr;
+  std::map<std::string, QRadioButton*> receivers_;
+  class QButtonGroup* receiverGroup_ = nullptr;
+  QComboBox* gpsPort_ = nullptr;
+  QComboBox* gpsBaud_ = nullptr;
+  QComboBox* correction_ = nullptr;
+  QRadioButton* differential_[3] = {};
+  class QCheckBox* check3_ = nullptr;
+  class QLineEdit* offsets_[3] = {};
 };

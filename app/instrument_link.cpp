@@ -106,8 +106,9 @@ void InstrumentLink::OpenInstOptions() {
   // the port and with the settings chosen here.
   MSComm_SET.Close();
   MSComm_TOP.Close();
-  InstOptions dlg(inst, dialogs_, *this, store_, &frm_);
+  InstOptions dlg(inst, dialogs_, *this, store_, gnss, &frm_);
   dlg.exec();
+  if (AfterInstOptions) AfterInstOptions();
 }
 
 void InstrumentLink::ShowWaitPicture(const tavik::WaitPicture& p) {
@@ -125,7 +126,7 @@ void InstrumentLink::ShowWaitPicture(const tavik::WaitPicture& p) {
 
 void InstrumentLink::ShowMeasureMode(const std::string& mode) {
   frm_.SetMeasureModeMenus(mode);
-  if (mode == "TS") frm_.ShowInstrumentFrame();
+  frm_.ShowInstrumentFrame();
 }
 
 void InstrumentLink::ShowRobotPanel(bool inReach) { robotPanel_->setVisible(inReach); }

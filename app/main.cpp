@@ -27,13 +27,17 @@ int main(int argc, char** argv) {
 
   // --screenshot FILE.png: show the window, save a picture of it and end without the
   // exit questions (for checking the layout headless). --demo starts as usual.
+  // --demo-gnss: the same with a GNSS receiver: GPS mode, the receiver kind of
+  // $TAVIK_DEMO_GNSS_KIND (DL-4 when unset) on COM1 at 115200 baud, and a document around
+  // the simulator's walk.
   std::string screenshot;
-  bool demo = false;
+  bool demo = false, demoGnss = false;
   std::string demoScene;
   for (int i = 1; i < argc; ++i) {
     if (std::strcmp(argv[i], "--screenshot") == 0 && i + 1 < argc) screenshot = argv[++i];
-    if (std::strcmp(argv[i], "--demo") == 0) {
+    if (std::strcmp(argv[i], "--demo") == 0 || std::strcmp(argv[i], "--demo-gnss") == 0) {
       demo = true;
+      demoGnss = std::strcmp(argv[i], "--demo-gnss") == 0;
       if (i + 1 < argc && argv[i + 1][0] != '-') demoScene = argv[++i];
     }
   }
@@ -65,8 +69,12 @@ int main(int argc, char** argv) {
     // beside the build folder.
     if (demoScene.empty()) {
       const char* env = std::getenv("TAVIK_DEMO_SCENE");
-      demoScene = env ? env
-                      : (QCoreApplication::applicationDirPath() + "/../../tools/sim/demo.scene").toStdString();
+      const char* file = demoGnss ? "/../../tools/sim/demo-gnss.scene" : "/../../tools/sim/demo.scene";
+      demoScene = env ? env : (QCoreApplication::applicationDirPath() + file).toStdString();
+    }
+    if (demoGnss) {
+      const char* kind = std::getenv("TAVIK_DEMO_GNSS_KIND");
+      program.UseGpsReceiver(kind && *kind ? kind : "DL-4", 1, 115200);
     }
     program.OpenDemo(demoScene);
   }

@@ -31,11 +31,13 @@ namespace {
 QString Q(const std::string& s) { return QString::fromStdString(s); }
 
 // Items that belong to one measure mode only, by control name: the total station's
-// set-up, resection, stake-out and reading panels, and the receiver's start-up.
+// set-up, resection, stake-out and reading panels; the receiver's start-up, panel, sky
+// plot and Toolbar1 keys.
 const std::pair<const char*, const char*> kModeItems[] = {
     {"MainMnuUserDialog", "TS"}, {"MainMnuFit", "TS"},  {"MainMnuResect", "TS"},  {"MainMnuStackOut", "TS"},
     {"MainMnuAutoLink", "TS"},   {"SetupFace2", "TS"},  {"WaitPanel", "TS"},      {"SurveyPanel", "TS"},
-    {"mnuGpsInit", "GPS"}};
+    {"mnuGpsInit", "GPS"},       {"GpsPanel", "GPS"},   {"mnuSkyPlot", "GPS"},     {"連接COM1", "GPS"},
+    {"接收資料", "GPS"},          {"停止接收", "GPS"}};
 
 // An item may also carry its mode itself, in the property "measureMode".
 const char* ModeOf(const QObject* item) {

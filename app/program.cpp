@@ -7,6 +7,7 @@
 
 #include "app/edit_wiring.h"
 #include "app/export_menu.h"
+#include "app/gnss_wiring.h"
 #include "app/gpsinitdlg.h"
 #include "app/ntrip_link.h"
 #include "app/survey_panel.h"
@@ -62,7 +63,15 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
     frm.RedrawPaper();
     cycle.ShowCounts();
   };
-  AddGpsInitCommand(frm, gpsDatum, app.ini, [] { return false; });  // no GNSS port yet
+  gnss = std::make_unique<GnssWiring>(*this);
+  instruments.gnss = &gnss->setup;
+  instruments.AfterInstOptions = [this] { gnss->SyncKinds(); };
+  // A new datum reaches the receiver at the next connect: the open port is closed.
+  AddGpsInitCommand(frm, gpsDatum, app.ini, [this] { return gnss->MSComm1.PortOpen(); },
+                    [this](const tavik::GpsInitOk& ok) {
+                      gnss->receiver.Panels().Label25[0] = ok.Label25_0;
+                      if (ok.CloseMSComm1) gnss->MSComm1.Close();
+                    });
   h.Redraw = [](tavik::ui::Surface& s) { s.Clear(tavik::ui::MakeRgb(255, 255, 255)); };
 
   survey = std::make_unique<SurveyStation>(frm, app, dialogs, instruments.inst, instruments.link);
@@ -88,6 +97,7 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
   cycle.hooks.CloseSensorPorts = [this] {
     instruments.MSComm_SET.Close();
     instruments.MSComm_TOP.Close();
+    gnss->CloseAll();
   };
 }
 
@@ -100,6 +110,17 @@ void Program::OpenDemo(const std::string& scenePath) {
   }
   const std::string path = (app.paths.WorkFolder() / "示範測量.SPC").string();
   if (!app.doc.IsOpen() && tavik::WriteDemoDocument(scene, path, dialogs)) cycle.OpenFile(path);
+}
+
+void Program::UseGpsReceiver(const std::string& kind, int16_t port, int32_t baud) {
+  instruments.inst.MeasureMode = "GPS";
+  instruments.inst.InstrumentKind = kind;
+  gnss->setup.GpsReceiverKind = kind;
+  gnss->setup.CommPortNumber = port;
+  gnss->setup.CommBaud = baud;
+  gnss->SyncKinds();
+  instruments.ShowMeasureMode("GPS");
+  instruments.ShowInstrumentLabels(kind, "");
 }
 
 void Program::LinkSettings() {
@@ -119,11 +140,50 @@ void Program::LinkSettings() {
       },
       [](SoftwareIni&) {});
   // The stored pair: only TWD97 loads its own constants (see LoadStoredDatum).
-  s.Link([this](const SoftwareIni& ini) { tavik::LoadStoredDatum(gpsDatum, ini.GpsDatum, ini.CentralMeridian); },
+  s.Link(
+      [this](const SoftwareIni& ini) {
+        tavik::LoadStoredDatum(gpsDatum, ini.GpsDatum, ini.CentralMeridian);
+        gnss->ShowDatum();
+      },
          [this](SoftwareIni& ini) {
            ini.GpsDatum = gpsDatum.GpsDatum;
            ini.CentralMeridian = gpsDatum.CentralMeridian;
          });
+  // The receiver. In GPS mode the kind, port and speed of the file are the receiver's.
+  tavik::GnssSetup& g = gnss->setup;
+  s.Link(&SoftwareIni::SounderKind, g.SounderKind);
+  s.Link(&SoftwareIni::MotionSensorKind, g.MotionSensorKind);
+  s.Link(&SoftwareIni::SounderPort, g.SounderPort);
+  s.Link(&SoftwareIni::SounderBaud, g.SounderBaud);
+  s.Link(&SoftwareIni::MotionSensorPort, g.MotionSensorPort);
+  s.Link(&SoftwareIni::MotionSensorBaud, g.MotionSensorBaud);
+  s.Link(&SoftwareIni::ImuAttached, g.ImuAttached);
+  s.Link(&SoftwareIni::DiffSbas, g.DiffSbas);
+  s.Link(&SoftwareIni::CorrectionFormat, g.CorrectionFormat);
+  s.Link(&SoftwareIni::DiffEgps, g.DiffEgps);
+  s.Link(&SoftwareIni::DiffThird, g.DiffRtk);
+  s.Link(
+      [this, &g](const SoftwareIni& ini) {
+        g.ImuOffsetX = ini.ImuOffset[0];
+        g.ImuOffsetY = ini.ImuOffset[1];
+        g.ImuOffsetZ = ini.ImuOffset[2];
+        if (ini.MeasureMode == "GPS") {
+          g.GpsReceiverKind = ini.InstrumentKind;
+          g.CommPortNumber = ini.PortNumber;
+          g.CommBaud = ini.BaudRate;
+        }
+        gnss->SyncKinds();
+      },
+      [this, &g](SoftwareIni& ini) {
+        ini.ImuOffset[0] = g.ImuOffsetX;
+        ini.ImuOffset[1] = g.ImuOffsetY;
+        ini.ImuOffset[2] = g.ImuOffsetZ;
+        if (instruments.inst.MeasureMode == "GPS") {
+          ini.InstrumentKind = g.GpsReceiverKind;
+          ini.PortNumber = g.CommPortNumber;
+          ini.BaudRate = g.CommBaud;
+        }
+      });
   s.Link([this](const SoftwareIni& ini) { frm.SelectFineSteps(ini.FineShiftStep, ini.FineRotationStep); },
          [this](SoftwareIni& ini) {
            ini.FineShiftStep = frm.Combo1()->currentText().toStdString();

@@ -14,6 +14,7 @@
 #include "platform/qt/qt_settings_store.h"
 #include "platform/qt/qt_timer.h"
 
+class GnssWiring;
 class SurveyStation;
 
 class EditWiring;
@@ -41,6 +42,8 @@ class Program {
   InstrumentLink instruments{frm, dialogs, &store};  // the total station: state, ports, link, robotic panel
   // Set-up, shots, resection and stake-out.
   std::unique_ptr<SurveyStation> survey;
+  // The GNSS receiver: set-up, ports, watchdog, receiving side, panel and sky plot.
+  std::unique_ptr<GnssWiring> gnss;
   // The pen on the map (pointer machine, keys, toolbars), once made; other parts plug
   // their pointer modes into edit->Host().Plugs and start them with edit->Editor().
   EditWiring* edit = nullptr;
@@ -52,6 +55,8 @@ class Program {
   ~Program();
   // --demo: a fresh demo document from the simulator's scene file, opened at once.
   void OpenDemo(const std::string& scenePath);
+  // GPS mode with this receiver, as the options dialog would leave it.
+  void UseGpsReceiver(const std::string& kind, int16_t port, int32_t baud);
 
  private:
   // Where each value of Software.ini lives in the running program.

@@ -63,6 +63,7 @@ void InstOptionsLogic::Load() {
   savedMode_ = state_.MeasureMode;
   savedKind_ = state_.InstrumentKind;
   if (sounderKind_) savedSounder_ = *sounderKind_;
+  if (gnss) savedReceiver_ = gnss->GpsReceiverKind;
   marked = OptionForKind(state_.InstrumentKind);
   Opt3D = state_.MapType == 1;
   Opt2D = state_.MapType == 2;
@@ -266,14 +267,38 @@ void InstOptionsLogic::cmdOKClick() {
       }
     }
     host_.ShowInstrumentLabels(state_.InstrumentKind, state_.InstrumentSerial);
+  } else if (state_.MeasureMode == "GPS") {
+    // On eGPS the receiver's ports swap roles; the surveyor must rewire before connecting.
+    if (gnss && gnss->GpsReceiverKind == "DL-4" && gnss->DiffEgps)
+      dialogs_.MsgBox("您選擇RadianIS + eGPS,儀器的COM2接電腦,用COM1接手機", "注意com port設定");
+    host_.ShowMeasureMode("GPS");
+    host_.ShowInstrumentLabels(state_.InstrumentKind, state_.InstrumentSerial);
   }
   Unload();
 }
+
+void InstOptionsLogic::PickReceiver(const std::string& kind) {
+  if (!gnss) return;
+  state_.MeasureMode = "GPS";
+  state_.InstrumentKind = kind;
+  gnss->GpsReceiverKind = kind;
+  marked.reset();
+}
+
+void InstOptionsLogic::PickDifferential(Differential d) {
+  if (!gnss) return;
+  gnss->DiffSbas = d == Differential::Sbas ? -1 : 0;
+  gnss->DiffEgps = d == Differential::Egps ? -1 : 0;
+  gnss->DiffRtk = d == Differential::Rtk ? -1 : 0;
+}
+
+std::vector<std::string> InstOptionsLogic::CorrectionFormats() { return {"RTCA", "RTCM", "RTCMV3", "CMR", "CMR+"}; }
 
 void InstOptionsLogic::cmdCancelClick() {
   state_.MeasureMode = savedMode_;
   state_.InstrumentKind = savedKind_;
   if (sounderKind_) *sounderKind_ = savedSounder_;
+  if (gnss) gnss->GpsReceiverKind = savedReceiver_;
   host_.ShowMeasureMode(state_.MeasureMode);
   Unload();
 }

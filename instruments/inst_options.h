@@ -1,7 +1,8 @@
-// The logic of the instrument options dialog InstOptions ("儀器選單"), total-station
+// The logic of the instrument options dialog InstOptions ("儀器選單"). The total-station
 // tab: the option buttons and what each stores, port and speed, plan or topographic
-// map, power and rotation, the automatic identification of a connected instrument, and
-// the OK and Cancel rules. The Qt dialog only shows these fields and forwards clicks,
+// map, power and rotation, the automatic identification of a connected instrument. The
+// GNSS tab: receiver kind, its port and speed, correction format, the differential
+// choice and the IMU offset. And the OK and Cancel rules. The Qt dialog only shows these fields and forwards clicks,
 // bytes of its own port MSComm1, and the ticks of Timer1 and Timer2.
 #pragma once
 
@@ -10,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "instruments/gnss_commands.h"
 #include "instruments/instrument_state.h"
 #include "platform/dialogs.h"
 #include "platform/serial.h"
@@ -80,6 +82,14 @@ class InstOptionsLogic {
   void cmdOKClick();
   void cmdCancelClick();
 
+  // The GNSS tab, when the program has a receiver link. Picking a receiver switches to
+  // GPS mode; the kind is also the instrument kind of that mode.
+  GnssSetup* gnss = nullptr;
+  enum class Differential { Sbas, Egps, Rtk };  // Option7 "SBAS差分", Option19 "eGPS", Option21 "RTK"
+  void PickReceiver(const std::string& kind);
+  void PickDifferential(Differential d);
+  static std::vector<std::string> CorrectionFormats();
+
   static std::vector<int> PortChoices();
   static std::vector<int> SpeedChoices();
 
@@ -97,7 +107,7 @@ class InstOptionsLogic {
   ui::Timer& timer1_;
   ui::Timer& timer2_;
   std::string* sounderKind_;
-  std::string savedMode_, savedKind_, savedSounder_;
+  std::string savedMode_, savedKind_, savedSounder_, savedReceiver_;
   bool probeToggle_ = false;
   int probes_ = 0;
 };

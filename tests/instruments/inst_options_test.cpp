@@ -214,3 +214,39 @@ TEST(InstOptions, PowerAndRotation) {
 
 }  // namespace
 }  // namespace tavik::test
+
+namespace tavik::test {
+namespace {
+
+TEST(InstOptions, GnssTabSwitchesToGpsAndWarnsOfTheEgpsWiring) {
+  OptionsRig rig;
+  GnssSetup gnss;
+  rig.dlg.gnss = &gnss;
+  rig.dlg.Load();
+  rig.dlg.PickReceiver("DL-4");
+  rig.dlg.PickDifferential(InstOptionsLogic::Differential::Egps);
+  EXPECT_EQ(rig.state.MeasureMode, "GPS");
+  EXPECT_EQ(rig.state.InstrumentKind, "DL-4");
+  EXPECT_EQ(std::tuple(gnss.DiffSbas, gnss.DiffEgps, gnss.DiffRtk), std::tuple(int16_t{0}, int16_t{-1}, int16_t{0}));
+  rig.dlg.cmdOKClick();
+  EXPECT_EQ(rig.host.mode, "GPS");
+  ASSERT_EQ(rig.dialogs.shown.size(), 1u);
+  EXPECT_EQ(rig.dialogs.shown[0].title, "注意com port設定");
+  EXPECT_EQ(rig.dialogs.shown[0].text, "您選擇RadianIS + eGPS,儀器的COM2接電腦,用COM1接手機");
+  EXPECT_EQ(rig.state.MapType, 0);  // the plan-or-topographic question is the total station's
+
+  // Another receiver on eGPS gets no warning; Cancel puts the mode and kind back.
+  rig.dialogs.shown.clear();
+  rig.dlg.Load();
+  rig.dlg.PickReceiver("PP7");
+  rig.dlg.cmdOKClick();
+  EXPECT_TRUE(rig.dialogs.shown.empty());
+  rig.dlg.Load();
+  rig.dlg.PickOption(InstOption::Option5);
+  rig.dlg.cmdCancelClick();
+  EXPECT_EQ(rig.state.MeasureMode, "GPS");
+  EXPECT_EQ(gnss.GpsReceiverKind, "PP7");
+}
+
+}  // namespace
+}  // namespace tavik::test

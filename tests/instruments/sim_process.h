@@ -41,12 +41,21 @@ class Sim {
     QFile f(scenePath);
     if (f.open(QIODevice::WriteOnly)) f.write(scene.c_str());
     f.close();
-    const QStringList args = {"--family", QString::fromStdString(family), "--scene", scenePath, "--hold"};
-    process_.start(TAVIK_BIN_DIR "/tools/sim/tavik-sim", args + extra);
-    process_.waitForStarted(5000);
-    SpinUntil([&] { return process_.canReadLine() || process_.state() == QProcess::NotRunning; });
-    path = process_.readLine().trimmed().toStdString();
+    Start(QStringList{"--family", QString::fromStdString(family), "--scene", scenePath, "--hold"} + extra);
   }
+  // A GNSS receiver of the kind; `record` names the file (in the temporary folder) that
+  // gets every byte it is sent.
+  struct Gnss {};
+  Sim(Gnss, const std::string& kind, const QStringList& extra = {}) {
+    QtApp();
+    Start(QStringList{"--gnss", QString::fromStdString(kind), "--record", dir_.filePath("record")} + extra);
+  }
+  // What the simulator has been sent so far (with --record of the GNSS receiver).
+  std::string Recorded() const {
+    QFile f(dir_.filePath("record"));
+    return f.open(QIODevice::ReadOnly) ? f.readAll().toStdString() : std::string();
+  }
+  QString Folder() const { return dir_.path(); }
   ~Sim() {
     process_.kill();
     process_.waitForFinished(2000);
@@ -60,6 +69,13 @@ class Sim {
   std::string path;
 
  private:
+  void Start(const QStringList& args) {
+    process_.start(TAVIK_BIN_DIR "/tools/sim/tavik-sim", args);
+    process_.waitForStarted(5000);
+    SpinUntil([&] { return process_.canReadLine() || process_.state() == QProcess::NotRunning; });
+    path = process_.readLine().trimmed().toStdString();
+  }
+
   QTemporaryDir dir_;
   QProcess process_;
 };
