@@ -45,7 +45,7 @@ GnssWiring::GnssWiring(Program& program)
       MSComm2(&program.store),
       ESeaSound206(&program.store),
       MSTSSComm(&program.store),
-      receiver(gps, program.app.doc, program.gpsDatum),
+      receiver(gps, setup, program.app.doc, program.gpsDatum),
       link(setup, program.dialogs, *this, Timer1_0),
       program_(program) {
   link.MSComm1 = &MSComm1;
@@ -173,15 +173,7 @@ void GnssWiring::ShowSkyPlotWindow() {
   sky_->raise();
 }
 
-void GnssWiring::SyncKinds() {
-  gps.GpsReceiverKind = setup.GpsReceiverKind;
-  gps.SounderKind = setup.SounderKind;
-}
-
-void GnssWiring::Toolbar1Click(const std::string& key) {
-  SyncKinds();
-  link.Toolbar1Click(key);
-}
+void GnssWiring::Toolbar1Click(const std::string& key) { link.Toolbar1Click(key); }
 
 void GnssWiring::CloseAll() {
   Timer1_0.SetEnabled(false);
@@ -205,9 +197,8 @@ void GnssWiring::Received() {
 
 void GnssWiring::PortLost(tavik::ui::SerialPort& port) {
   Timer1_0.SetEnabled(false);
-  tavik::GpsPanels& p = receiver.Panels();
-  p.OBSBox = {"COM" + std::to_string(port.CommPort) + " 通訊中斷: " + port.Error(), tavik::colour::White,
-              tavik::colour::Black};
+  obsReceiving_ = false;
+  receiver.Panels().OBSBox = "COM" + std::to_string(port.CommPort) + " 通訊中斷: " + port.Error();
   receiver.Refresh();
 }
 
@@ -216,9 +207,7 @@ void GnssWiring::EnableToolbarKey(const std::string& key, bool enabled) {
 }
 
 void GnssWiring::SetOBSBoxReceiving(bool receiving) {
-  tavik::PanelLabel& box = receiver.Panels().OBSBox;
-  box.BackColor = receiving ? tavik::colour::Black : tavik::colour::White;
-  box.ForeColor = receiving ? tavik::colour::White : tavik::colour::Black;
+  obsReceiving_ = receiving;
   receiver.Refresh();
 }
 
@@ -246,7 +235,10 @@ void GnssWiring::ShowGpsPanels(const tavik::GpsPanels& p) {
   SetText(labels_["Label10"], p.Label10);
   SetText(labels_["Label18"], p.Label18);
   SetText(labels_["Label22"], p.Label22);
-  if (auto* box = program_.frm.findChild<QLabel*>("OBSBox")) Paint(box, p.OBSBox);
+  // OBSBox: black with white text while receiving, white with black text otherwise.
+  if (auto* box = program_.frm.findChild<QLabel*>("OBSBox"))
+    Paint(box, {p.OBSBox, obsReceiving_ ? tavik::colour::Black : tavik::colour::White,
+                obsReceiving_ ? tavik::colour::White : tavik::colour::Black});
 }
 
 void GnssWiring::ShowSkyPlot(const tavik::SkyPlot& plot) {

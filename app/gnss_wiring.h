@@ -38,8 +38,6 @@ class GnssWiring : public QObject, public tavik::GnssLinkView, public tavik::Gps
 
   // Toolbar1's keys "連接COM1", "接收資料", "停止接收".
   void Toolbar1Click(const std::string& key);
-  // The receiver's kind and the sounder as the receiving side reads them.
-  void SyncKinds();
   // The document is closing or the program ends: every GNSS port lets go.
   void CloseAll();
   FormSkyPlot* SkyPlotWindow() const { return sky_; }
@@ -70,5 +68,6 @@ class GnssWiring : public QObject, public tavik::GnssLinkView, public tavik::Gps
   std::map<std::string, QLabel*> labels_;
   FormSkyPlot* sky_ = nullptr;
   bool refreshPending_ = false;
+  bool obsReceiving_ = false;
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };

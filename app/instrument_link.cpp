@@ -108,7 +108,6 @@ void InstrumentLink::OpenInstOptions() {
   MSComm_TOP.Close();
   InstOptions dlg(inst, dialogs_, *this, store_, gnss, &frm_);
   dlg.exec();
-  if (AfterInstOptions) AfterInstOptions();
 }
 
 void InstrumentLink::ShowWaitPicture(const tavik::WaitPicture& p) {

@@ -34,9 +34,8 @@ class InstrumentLink : public QObject, public tavik::WaitPictureView, public tav
   tavik::RobotCtrl robot;
   // RecButton and CmdSTOP live on the survey panel; the link says when they change.
   std::function<void(bool cmdStopEnabled, bool recButtonEnabled)> ShowButtons;
-  // The receiver set-up that the options dialog's GNSS tab edits, and what follows its close.
+  // The receiver set-up that the options dialog's GNSS tab edits.
   tavik::GnssSetup* gnss = nullptr;
-  std::function<void()> AfterInstOptions;
 
   void OpenInstOptions();
   RobotCtrlPanel* RobotPanel() const { return robotPanel_; }

@@ -65,7 +65,6 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
   };
   gnss = std::make_unique<GnssWiring>(*this);
   instruments.gnss = &gnss->setup;
-  instruments.AfterInstOptions = [this] { gnss->SyncKinds(); };
   // A new datum reaches the receiver at the next connect: the open port is closed.
   AddGpsInitCommand(frm, gpsDatum, app.ini, [this] { return gnss->MSComm1.PortOpen(); },
                     [this](const tavik::GpsInitOk& ok) {
@@ -118,7 +117,6 @@ void Program::UseGpsReceiver(const std::string& kind, int16_t port, int32_t baud
   gnss->setup.GpsReceiverKind = kind;
   gnss->setup.CommPortNumber = port;
   gnss->setup.CommBaud = baud;
-  gnss->SyncKinds();
   instruments.ShowMeasureMode("GPS");
   instruments.ShowInstrumentLabels(kind, "");
 }
@@ -172,7 +170,6 @@ void Program::LinkSettings() {
           g.CommPortNumber = ini.PortNumber;
           g.CommBaud = ini.BaudRate;
         }
-        gnss->SyncKinds();
       },
       [this, &g](SoftwareIni& ini) {
         ini.ImuOffset[0] = g.ImuOffsetX;

@@ -192,12 +192,12 @@ class EditWindowTest : public QObject {
     QVERIFY(!lead->isChecked());
     QCOMPARE(w.Editor().Ptr.ActionMode, std::string());
 
-    // The keyed angle asks the window for the measure mode of the settings: in GPS mode
-    // it needs a fix, which no receiver gives yet.
-    p.app.ini.MeasureMode = "GPS";
+    // The keyed angle asks the window for the measure mode: in GPS mode it needs a fix,
+    // which no receiver gives here.
+    p.instruments.inst.MeasureMode = "GPS";
     w.Toolbar1()->findChild<QAction*>("輸入角度")->trigger();
     QCOMPARE(dialogs.Messages().back(), std::string("請先進入接收資料狀態"));
-    p.app.ini.MeasureMode = "TS";
+    p.instruments.inst.MeasureMode = "TS";
     w.Toolbar1()->findChild<QAction*>("輸入角度")->trigger();
     QCOMPARE(dialogs.Messages().back(), std::string("請先擺站"));
     // The notes by menu check the legend as their buttons do.

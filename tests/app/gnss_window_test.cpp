@@ -49,9 +49,10 @@ class GnssWindowTest : public QObject {
  private slots:
   void skyPlotDrawsTheSatellitesOfTheReceiver() {
     tavik::GpsState gps;
+    tavik::GnssSetup setup;
     tavik::Document doc;
     tavik::GpsDatumSettings datum;
-    tavik::GpsReceiver receiver(gps, doc, datum);
+    tavik::GpsReceiver receiver(gps, setup, doc, datum);
     receiver.DiscardGobs = true;
     // Zenith, east horizon, south at 45 degrees without a signal, west at 30, and a
     // fifth in the second message.

@@ -7,6 +7,7 @@
 #include <QtTest>
 
 #include "app/edit_wiring.h"
+#include "app/gnss_wiring.h"
 #include "app/program.h"
 #include "core/record_text.h"
 #include "core/text.h"
@@ -61,16 +62,39 @@ class RememberedSettingsTest : public QObject {
       p.app.ini = want;
       for (auto field : {&tavik::SoftwareIni::MeasureMode, &tavik::SoftwareIni::InstrumentKind,
                          &tavik::SoftwareIni::InstrumentSerial, &tavik::SoftwareIni::AutoNamePrefix,
-                         &tavik::SoftwareIni::GpsDatum, &tavik::SoftwareIni::FineShiftStep})
+                         &tavik::SoftwareIni::GpsDatum, &tavik::SoftwareIni::FineShiftStep,
+                         &tavik::SoftwareIni::SounderKind, &tavik::SoftwareIni::MotionSensorKind,
+                         &tavik::SoftwareIni::CorrectionFormat})
         p.app.ini.*field = def.*field;
       for (auto field : {&tavik::SoftwareIni::PortNumber, &tavik::SoftwareIni::AutoNameNext,
                          &tavik::SoftwareIni::AutoNameDigits, &tavik::SoftwareIni::AreaUnit,
-                         &tavik::SoftwareIni::CurrentLegend})
+                         &tavik::SoftwareIni::CurrentLegend, &tavik::SoftwareIni::SounderPort,
+                         &tavik::SoftwareIni::MotionSensorPort})
         p.app.ini.*field = def.*field;
       for (auto field : {&tavik::SoftwareIni::BaudRate, &tavik::SoftwareIni::BaseMapLineColour,
-                         &tavik::SoftwareIni::BaseMapTextColour, &tavik::SoftwareIni::RefRed})
+                         &tavik::SoftwareIni::BaseMapTextColour, &tavik::SoftwareIni::RefRed,
+                         &tavik::SoftwareIni::SounderBaud, &tavik::SoftwareIni::MotionSensorBaud})
         p.app.ini.*field = def.*field;
-      p.app.ini.AutoNameOn = def.AutoNameOn;
+      for (auto field : {&tavik::SoftwareIni::AutoNameOn, &tavik::SoftwareIni::ImuAttached,
+                         &tavik::SoftwareIni::DiffSbas, &tavik::SoftwareIni::DiffEgps, &tavik::SoftwareIni::DiffThird})
+        p.app.ini.*field = def.*field;
+      for (double& v : p.app.ini.ImuOffset) v = 0;
+      // The receiver's set-up.
+      auto& g = p.gnss->setup;
+      g.SounderKind = want.SounderKind;
+      g.MotionSensorKind = want.MotionSensorKind;
+      g.SounderPort = want.SounderPort;
+      g.SounderBaud = want.SounderBaud;
+      g.MotionSensorPort = want.MotionSensorPort;
+      g.MotionSensorBaud = want.MotionSensorBaud;
+      g.ImuAttached = want.ImuAttached ? -1 : 0;
+      g.ImuOffsetX = want.ImuOffset[0];
+      g.ImuOffsetY = want.ImuOffset[1];
+      g.ImuOffsetZ = want.ImuOffset[2];
+      g.DiffSbas = want.DiffSbas ? -1 : 0;
+      g.CorrectionFormat = want.CorrectionFormat;
+      g.DiffEgps = want.DiffEgps ? -1 : 0;
+      g.DiffRtk = want.DiffThird ? -1 : 0;
       p.app.ini.RefColourInUse = def.RefColourInUse;
       p.app.ini.InstrumentHeight = def.InstrumentHeight;
       p.app.ini.CentralMeridian = def.CentralMeridian;
@@ -127,6 +151,9 @@ class RememberedSettingsTest : public QObject {
     QCOMPARE(p.app.doc.InstrumentHeight, want.InstrumentHeight);
     QCOMPARE(p.gpsDatum.GpsDatum, want.GpsDatum);
     QCOMPARE(p.gpsDatum.CentralMeridian, want.CentralMeridian);
+    QCOMPARE(p.gnss->setup.CorrectionFormat, want.CorrectionFormat);
+    QCOMPARE(p.gnss->setup.ImuOffsetZ, want.ImuOffset[2]);
+    QCOMPARE(p.gnss->setup.DiffRtk != 0, want.DiffThird);
     QCOMPARE(p.frm.Combo1()->currentText(), QString("25cm"));
     const auto& d = w.Canvas().display;
     QCOMPARE(d.BaseMapLineColour, static_cast<tavik::ui::Rgb>(want.BaseMapLineColour));

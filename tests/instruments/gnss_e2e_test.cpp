@@ -39,7 +39,7 @@ struct Rig {
   GpsState gps;
   Document doc;
   GpsDatumSettings datum;
-  GpsReceiver receiver{gps, doc, datum};
+  GpsReceiver receiver{gps, setup, doc, datum};
   ui::ScriptedDialogs dialogs;
   NullView view;
   ui::ManualTimer watchdog;
@@ -50,7 +50,7 @@ struct Rig {
   Rig(const std::string& device, const std::string& folder, const std::string& kind) {
     setenv("TAVIK_COM7", device.c_str(), 1);
     SetDocumentName(doc, folder + "/field");
-    setup.GpsReceiverKind = gps.GpsReceiverKind = kind;
+    setup.GpsReceiverKind = kind;
     setup.CommPortNumber = 7;
     setup.CommBaud = 115200;
     link.MSComm1 = &com1;
