@@ -9,6 +9,7 @@
 #include <string>
 
 #include "app/edit_wiring.h"
+#include "app/gnss_wiring.h"
 #include "app/gps_station.h"
 #include "app/frmlandsplit.h"
 #include "app/survey_station.h"
@@ -57,6 +58,18 @@ int main(int argc, char** argv) {
   program.survey->ConnectEditor(edit.Editor(), edit.Host());
   LandSplitStation landSplit(program, edit);
   GpsStation gpsStation(program, edit);
+  // Stake-out and replay read the receiver's state and panels; each position also
+  // refreshes the stake-out window.
+  GnssWiring& gnss = *program.gnss;
+  gpsStation.ends.gps = &gnss.gps;
+  gpsStation.ends.panels = &gnss.receiver.Panels();
+  gpsStation.ends.ShowPanels = [&gnss] { gnss.receiver.Refresh(); };
+  gpsStation.ends.Connected = [&gnss] { return gnss.MSComm1.PortOpen() || gnss.MSComm_Axis3.PortOpen(); };
+  gnss.receiver.hooks.ContinuePositionUpdate = [&gpsStation, next = gnss.receiver.hooks.ContinuePositionUpdate](
+                                                   double lon, double lat, double height) {
+    if (next) next(lon, lat, height);
+    gpsStation.StakeRefresh();
+  };
   // Space records a shot, as the record button does.
   edit.FrameCommands["Measure"] = [&program] { tavik::RecButton(program.survey->ctx); };
   // Maximised to the desktop's work area; set by hand too, for desktops without a

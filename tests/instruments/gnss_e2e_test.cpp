@@ -161,3 +161,29 @@ TEST(GnssEndToEnd, APulledCableMidLineLeavesTheLogWhole) {
 
 }  // namespace
 }  // namespace tavik::test
+
+namespace tavik::test {
+namespace {
+
+TEST(GnssEndToEnd, ACaptureReplayedOnTheListenOnlyPort) {
+  // Two epochs of a receiver's capture, saved with bare line feeds as other software
+  // writes them; the simulator sends each line with CR LF.
+  QTemporaryDir dir;
+  const QString capture = dir.filePath("capture.txt");
+  QFile f(capture);
+  ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+  f.write("$GPGGA,032443.00,2445.420000,N,12145.180000,E,1,07,1.4,12.500,M,17.0,M,,*00\n"
+          "$GPGSA,A,3,01,02,04,05,07,09,12,,,,,,2.4,1.4,1.9*00\n"
+          "$GPGGA,032444.00,2445.421000,N,12145.181000,E,2,07,1.3,12.600,M,17.0,M,,*00\n");
+  f.close();
+  Sim sim(Sim::Gnss{}, "單型GPS", {"--replay", capture, "--rate", "10"});
+  Rig rig(sim.path, sim.Folder().toStdString(), "單型GPS");
+  rig.link.Connect();
+  ASSERT_TRUE(SpinUntil([&] { return rig.receiver.Panels().Label6.Caption == "DGPS-fix"; }));
+  EXPECT_EQ(sim.Recorded(), "");
+  EXPECT_EQ(rig.receiver.Panels().Label11.Caption, "1.3");
+  EXPECT_EQ(rig.GobsLines(), 3u);
+}
+
+}  // namespace
+}  // namespace tavik::test
