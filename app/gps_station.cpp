@@ -83,6 +83,8 @@ void GpsStation::OpenStakeOut() {
   tavik::App& app = program_.app;
   if (!app.doc.IsOpen() || stakeOut_ || program_.instruments.inst.MeasureMode != "GPS") return;
   ShowOwned(stakeOut_, new GPSstackOut(app.doc, app.view, *ends.gps, program_.dialogs, &program_.frm));
+  // In the map's upper left corner, off the rover and the target in the middle.
+  stakeOut_->move(program_.frm.Paper1()->mapToGlobal(QPoint(12, 12)));
   tavik::GpsStakeHooks& h = stakeOut_->Hooks();
   SurveyPanel* window = program_.survey->panel();
   h.RecordObservation = [this](double E, double N, double H) {
