@@ -62,6 +62,7 @@ NtripDlg::NtripDlg(Role role, tavik::ui::SettingsStore& store, tavik::ui::Dialog
   sourceLabel_->setObjectName("SourceLabel");
   sourceLabel_->setWordWrap(true);
   form->addRow("", sourceLabel_);
+  sourceLabel_->setVisible(client);  // the server names its own mount point
   connect(fetch, &QPushButton::clicked, this, &NtripDlg::FetchMounts);
 
   user_ = new QLineEdit(Q(o.session.user), this);
