@@ -83,8 +83,9 @@ bool NtripLink::Start(Role role) {
   tavik::ntrip::Settings& set = s.options.session;
   std::string why = set.host.empty() ? "請先在 NTRIP 設定中輸入 NTRIP 主機" : tavik::ntrip::CheckMount(set.mount);
   if (why.empty()) {
-    if (role == Role::Client && s.options.receiverPort && ReceiverPort && ReceiverPort()) {
-      s.port = ReceiverPort();
+    if (role == Role::Client && s.options.receiverPort) {
+      s.port = ReceiverPort ? ReceiverPort() : nullptr;
+      if (!s.port) why = "接收儀的通訊埠沒有開啟,請先連接接收儀或改用電腦的通訊埠";
     } else if (MakePort) {
       s.ownPort = MakePort();
       s.ownPort->CommPort = s.options.comPort;

@@ -86,6 +86,15 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
   exports = new ExportMenu(*this);
   ntrip = std::make_unique<NtripLink>(frm, dialogs, store);
   ntrip->MakePort = [this] { return std::make_unique<tavik::ui::QtSerialPort>(&store); };
+  // Corrections may go into the receiver's own port while it is open, and the rover's
+  // position goes up from the last GGA it sent.
+  ntrip->ReceiverPort = [this]() -> tavik::ui::SerialPort* {
+    return gnss->MSComm1.PortOpen() ? &gnss->MSComm1 : nullptr;
+  };
+  ntrip->LatestGga = [this, last = std::string()]() mutable {
+    if (gnss->gps.GpsLine.rfind("$GPGGA,", 0) == 0) last = tavik::ntrip::WithNmeaChecksum(gnss->gps.GpsLine);
+    return last;
+  };
 
   // Save, Close, Exit and every full repaint stop the blinking mark of the last point;
   // Close and Exit let go of the instrument's ports, which the next request opens again.

@@ -408,6 +408,17 @@ std::string ServerRequest(const Settings& s) {
          "Content-Type: gnss/data\r\nTransfer-Encoding: chunked\r\nConnection: close\r\n\r\n";
 }
 
+std::string WithNmeaChecksum(std::string_view sentence) {
+  while (!sentence.empty() && (sentence.back() == '\r' || sentence.back() == '\n')) sentence.remove_suffix(1);
+  const std::size_t star = sentence.find('*');
+  std::string body(sentence.substr(0, star));
+  unsigned sum = 0;
+  for (std::size_t i = body.empty() || body[0] != '$' ? 0 : 1; i < body.size(); ++i) sum ^= static_cast<unsigned char>(body[i]);
+  char tail[8];
+  std::snprintf(tail, sizeof tail, "*%02X", sum & 0xff);
+  return body + tail;
+}
+
 std::string StateText(State s) {
   switch (s) {
     case State::Stopped: return "停止";

@@ -181,6 +181,10 @@ class Session {
   bool everStreamed_ = false;
 };
 
+// An NMEA sentence with its checksum made again ("$GNGGA" read as "$GPGGA" no longer
+// matches the one the receiver sent), without the line end.
+std::string WithNmeaChecksum(std::string_view sentence);
+
 // The texts for the state display.
 std::string StateText(State s);
 

@@ -129,6 +129,9 @@ TEST(Ntrip, RequestsCasterTextsAndMountNames) {
   EXPECT_EQ(port, 2101);
   for (const char* bad : {":2101", "h:", "h:0", "h:70000", "h:21a", "a b:1"}) EXPECT_FALSE(ParseCaster(bad, host, port)) << bad;
 
+  EXPECT_EQ(WithNmeaChecksum("$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*4F\r\n"),
+            "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47");
+
   EXPECT_EQ(CheckMount("VRS_RTCM32"), "");
   for (const char* bad : {"", "MY MOUNT", "a/b", "a\r\nX-Injected: 1"}) EXPECT_NE(CheckMount(bad), "") << bad;
 }
