@@ -17,10 +17,13 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLayout>
 #include <QMenu>
 #include <QMenuBar>
 #include <QScrollBar>
 #include <QStatusBar>
+#include <QElapsedTimer>
+#include <QProgressBar>
 #include <QTextBrowser>
 #include <QToolBar>
 #include <QUrl>
@@ -231,11 +234,46 @@ void MainFrm::BuildStatusBar() {
     statusBar()->addPermanentWidget(l);
     panels_[k] = l;
   }
+  progress_ = new QProgressBar(this);
+  progress_->setObjectName("FileProgress");
+  progress_->setRange(0, 1000);
+  progress_->setTextVisible(true);
+  progress_->setMaximumWidth(260);
+  progress_->hide();
+  statusBar()->addWidget(progress_);
   // A passing message (a result, the legend chosen) gives the place back to the prompt of
   // the command still running when it times out.
   connect(statusBar(), &QStatusBar::messageChanged, this, [this](const QString& m) {
     if (m.isEmpty() && !prompt_.isEmpty()) statusBar()->showMessage(prompt_);
   });
+}
+
+tavik::ProgressSink MainFrm::Progress() {
+  struct Clock {
+    QElapsedTimer started, lastShown;
+  };
+  auto clock = std::make_shared<Clock>();
+  return [this, clock](int64_t done, int64_t total) {
+    if (done == 0 || !clock->started.isValid()) clock->started.start();
+    if (done >= total) {
+      progress_->hide();
+      clock->started.invalidate();
+      return;
+    }
+    if (clock->started.elapsed() < 500) return;
+    // A few times a second is enough for the eye and costs the work nothing.
+    if (progress_->isVisible() && clock->lastShown.isValid() && clock->lastShown.elapsed() < 50) return;
+    clock->lastShown.start();
+    progress_->setValue(static_cast<int>(total > 0 ? done * 1000 / total : 0));
+    progress_->setFormat(QString("%1 / %2").arg(done).arg(total));
+    if (!progress_->isVisible()) {
+      progress_->show();
+      if (statusBar()->layout()) statusBar()->layout()->activate();
+    }
+    // Painted at once, without running the event loop: a timer or a serial event let in
+    // here could add to or save the very tables being read or written.
+    statusBar()->repaint();
+  };
 }
 
 void MainFrm::BuildFineMoveToolbar() {

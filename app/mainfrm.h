@@ -13,6 +13,7 @@
 
 #include "app/paper.h"
 #include "core/frame_window.h"
+#include "core/progress.h"
 #include "view/view_ui.h"
 
 class QAction;
@@ -20,6 +21,8 @@ class QComboBox;
 class QLabel;
 class QMenu;
 class QFrame;
+
+class QProgressBar;
 
 class MainFrm : public QMainWindow, public tavik::FrameWindow, public tavik::view::ViewUi {
   Q_OBJECT
@@ -79,6 +82,12 @@ class MainFrm : public QMainWindow, public tavik::FrameWindow, public tavik::vie
   QMenu* Menu(const std::string& name) const;
   QAction* Command(const std::string& name) const;
   QString PanelText(int index) const;
+  // The progress bar of the status bar for a load, merge, save or import: it shows
+  // records done out of the total once the work has taken half a second, is painted at
+  // once at each step (no event is let in meanwhile, so nothing can cut into a save or
+  // change the tables under it), and goes when the work is done.
+  tavik::ProgressSink Progress();
+  QProgressBar* ProgressBar() const { return progress_; }
   QString LabelText(const std::string& name) const;
 
   // What the commands do; set by the program (and by tests).
@@ -118,6 +127,7 @@ class MainFrm : public QMainWindow, public tavik::FrameWindow, public tavik::vie
   void ApplyMeasureMode(QObject* item) const;
 
   PaperWidget* paper_ = nullptr;
+  QProgressBar* progress_ = nullptr;
   QAction* ToolbarButton(int index) const;
   class QScrollBar* hScroll_ = nullptr;
   class QScrollBar* vScroll_ = nullptr;

@@ -37,8 +37,9 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
     frm.SetScrollBars(h, v);
   };
   cycle.hooks.CommandRunning = [] { return QApplication::activeModalWidget() != nullptr; };
-  cycle.hooks.LoadOldDocument = [](tavik::Document& doc, tavik::View& view, tavik::ui::Dialogs& d) {
-    return tavik::LoadOldDocument(doc, view, d);
+  cycle.hooks.Progress = frm.Progress();
+  cycle.hooks.LoadOldDocument = [this](tavik::Document& doc, tavik::View& view, tavik::ui::Dialogs& d) {
+    return tavik::LoadOldDocument(doc, view, d, cycle.hooks.Progress);
   };
 
   auto& h = frm.handlers;

@@ -305,7 +305,7 @@ void DocumentCycle::OpenFile(const std::string& chosen) {
   else fresh.SpPath = path.string();
 
   bool loaded;
-  if (format == 1) loaded = LoadDocument(fresh, dialogs_);
+  if (format == 1) loaded = LoadDocument(fresh, dialogs_, hooks.Progress);
   else if (hooks.LoadOldDocument) loaded = hooks.LoadOldDocument(fresh, app_.view, dialogs_);
   else loaded = ReadOldDocument(fresh, dialogs_);
   if (!loaded) {
@@ -335,7 +335,7 @@ void DocumentCycle::ReloadAfterSave() {
   fresh.SpPath = doc.SpPath;
   // The file was written a moment ago; should it not read back, the tables as they
   // are stay in use rather than an empty map.
-  if (LoadDocument(fresh, dialogs_)) {
+  if (LoadDocument(fresh, dialogs_, hooks.Progress)) {
     fresh.MapChanged = kFalse;
     doc = std::move(fresh);
     return;
@@ -349,7 +349,7 @@ void DocumentCycle::ReloadAfterSave() {
 bool DocumentCycle::SaveAndReload() {
   Document& doc = app_.doc;
   if (hooks.StopLiveMarker) hooks.StopLiveMarker();
-  if (!SaveDocument(doc, app_.work, dialogs_)) return false;
+  if (!SaveDocument(doc, app_.work, dialogs_, hooks.Progress)) return false;
   doc.DeletedPointCount = 0;
   doc.DeletedEntityCount = 0;
   doc.MapChanged = kFalse;
@@ -437,7 +437,7 @@ bool DocumentCycle::Close() {
         dialogs_.MsgBox("是否存檔?", "螢幕的圖尚未存檔", ui::Buttons::YesNoCancel, ui::Icon::Question);
     if (a == ui::Answer::Cancel) return false;
     // A failed save has shown its message; the document stays open with its journal.
-    if (a == ui::Answer::Yes && !SaveDocument(doc, app_.work, dialogs_)) return false;
+    if (a == ui::Answer::Yes && !SaveDocument(doc, app_.work, dialogs_, hooks.Progress)) return false;
   }
   CloseQuietly();
   return true;

@@ -15,6 +15,7 @@
 
 #include "core/app_state.h"
 #include "core/frame_window.h"
+#include "core/progress.h"
 #include "platform/dialogs.h"
 #include "platform/settings_store.h"
 #include "platform/timer.h"
@@ -41,6 +42,8 @@ struct FrameHooks {
   // True while a command holds the user (a message box or dialog is up). A toolkit that
   // runs timers inside modal dialogs would otherwise let the autosave in mid-command.
   std::function<bool()> CommandRunning;
+  // Told of the records done by a load or a save of the document (a progress bar).
+  ProgressSink Progress;
 };
 
 // The filters and texts of the file commands.

@@ -7,14 +7,15 @@
 
 namespace tavik {
 
-bool LoadOldDocument(Document& doc, View& view, ui::Dialogs& dialogs) {
-  if (!ReadOldDocument(doc, dialogs)) return false;
+bool LoadOldDocument(Document& doc, View& view, ui::Dialogs& dialogs, const ProgressSink& progress) {
+  if (!ReadOldDocument(doc, dialogs, progress)) return false;
   view::FitWholeExtent(doc, view);
   return true;
 }
 
-bool MergeDocument(Document& doc, View& view, WorkFiles& wf, const std::string& path, ui::Dialogs& dialogs) {
-  if (!MergeDocumentRecords(doc, wf, path, dialogs)) return false;
+bool MergeDocument(Document& doc, View& view, WorkFiles& wf, const std::string& path, ui::Dialogs& dialogs,
+                   const ProgressSink& progress) {
+  if (!MergeDocumentRecords(doc, wf, path, dialogs, progress)) return false;
   view::PushView(view, doc.ScaleDenominator, doc.ViewCentreE, doc.ViewCentreN);
   view::FitWholeExtent(doc, view);
   RebuildScreenPoints(doc, view);

@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QMenu>
 #include <QMenuBar>
+#include <QProgressBar>
 #include <QDialog>
 #include <QLabel>
 #include <QScrollBar>
@@ -41,6 +42,28 @@ class MainFrmTest : public QObject {
   }
 
  private slots:
+  // A short piece of file work shows nothing; a long one shows its counts after half a
+  // second, and the bar goes when the work is done.
+  void progressBarForLongFileWork() {
+    MainFrm frm;
+    frm.show();
+    tavik::ProgressSink sink = frm.Progress();
+    sink(0, 100);
+    sink(50, 100);
+    sink(100, 100);
+    QVERIFY(!frm.ProgressBar()->isVisible());
+    sink(0, 3000000);
+    sink(16384, 3000000);
+    QVERIFY(!frm.ProgressBar()->isVisible());
+    QTest::qWait(550);
+    sink(1500000, 3000000);
+    QVERIFY(frm.ProgressBar()->isVisible());
+    QCOMPARE(frm.ProgressBar()->text(), QString("1500000 / 3000000"));
+    QCOMPARE(frm.ProgressBar()->value(), 500);
+    sink(3000000, 3000000);
+    QVERIFY(!frm.ProgressBar()->isVisible());
+  }
+
   void menusAndCaptionsBeforeADocument() {
     tavik::testing::TempHome home;
     tavik::ui::ScriptedDialogs dialogs;
