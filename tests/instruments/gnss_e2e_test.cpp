@@ -125,7 +125,7 @@ TEST(GnssEndToEnd, EachKindConnectsMovesThePanelsAndTheWatchdogGivesUp) {
     // The receiver falls silent; a new connect on the open port starts the watchdog,
     // which nothing stops now. Its count went on from the first connect's wait.
     sim.Command("fault silence");
-    SpinUntil([] { return false; }, 300);
+    SpinUntil([] { return false; }, 800);  // what was on the line before the silence is read
     rig.link.Toolbar1Click("連接COM1");
     EXPECT_TRUE(rig.watchdog.enabled);
     SpinUntil([] { return false; }, 1000);
