@@ -258,3 +258,12 @@ void GpsRecordControls::HideMarker() {
   markerWanted_ = false;
   rec_->state.MarkerDrawn = false;
 }
+
+void GpsRecordControls::WireLink(tavik::GnssLink& link) {
+  link.ContinuousRecording = [this] { return rec_->Running(); };
+  link.StopContinuousRecording = [this] { rec_->StopReception(); };
+  link.StopReceptionMarker = [this] {
+    timer4_.stop();
+    HideMarker();
+  };
+}

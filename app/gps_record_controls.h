@@ -12,6 +12,7 @@
 #include <functional>
 #include <memory>
 
+#include "instruments/gnss_link.h"
 #include "instruments/gps_receiver.h"
 #include "instruments/sounders.h"
 #include "platform/serial.h"
@@ -64,6 +65,13 @@ class GpsRecordControls : public QObject {
   void OpenRecType();
   // The marker is taken off the map (reception stopped).
   void HideMarker();
+  // What the receiver link asks of the recording: whether a run is going, stopping it
+  // before reception stops, and the marker and Timer4 when reception has stopped.
+  void WireLink(tavik::GnssLink& link);
+  // RecordObservation(3, -1, E, N, H) for the GPS stake-out.
+  bool RecordStake(double E, double N, double H) { return rec_->RecordObservation(3, -1, E, N, H); }
+  // The marker at E, N with the present heading rule, for a replay.
+  void ShowMarkerAt(double E, double N) { DrawMarker(E, N, rec_->state.PlainMarker != 0, ends_.gps->GpsHeading); }
 
  private:
   void DrawMarker(double E, double N, bool plain, double heading);
