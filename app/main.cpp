@@ -10,6 +10,7 @@
 
 #include "app/edit_wiring.h"
 #include "app/gnss_wiring.h"
+#include "app/gps_record_controls.h"
 #include "app/gps_station.h"
 #include "app/frmlandsplit.h"
 #include "app/survey_station.h"
@@ -65,11 +66,25 @@ int main(int argc, char** argv) {
   gpsStation.ends.panels = &gnss.receiver.Panels();
   gpsStation.ends.ShowPanels = [&gnss] { gnss.receiver.Refresh(); };
   gpsStation.ends.Connected = [&gnss] { return gnss.MSComm1.PortOpen() || gnss.MSComm_Axis3.PortOpen(); };
-  gnss.receiver.hooks.ContinuePositionUpdate = [&gpsStation, next = gnss.receiver.hooks.ContinuePositionUpdate](
-                                                   double lon, double lat, double height) {
-    if (next) next(lon, lat, height);
-    gpsStation.StakeRefresh();
-  };
+  // Recording: the rest of each position update (marker, view, stake-out guidance,
+  // triggers), LogButton and its set-up, Timer4 and the sounder ports.
+  GpsRecordEnds recordEnds;
+  recordEnds.gps = &gnss.gps;
+  recordEnds.setup = &gnss.setup;
+  recordEnds.receiver = &gnss.receiver;
+  recordEnds.MSComm1 = &gnss.MSComm1;
+  recordEnds.MSComm_Axis3 = &gnss.MSComm_Axis3;
+  recordEnds.MSComm2 = &gnss.MSComm2;
+  recordEnds.ESeaSound206 = &gnss.ESeaSound206;
+  recordEnds.MSTSSComm = &gnss.MSTSSComm;
+  recordEnds.SendToReceiver = [&gnss](const std::string& command) { gnss.MSComm1.Output(command + "\r\n"); };
+  recordEnds.ShowPanels = [&gnss] { gnss.receiver.Refresh(); };
+  recordEnds.StakeRefresh = [&gpsStation] { gpsStation.StakeRefresh(); };
+  recordEnds.DrawStakeMarks = [&gpsStation] { gpsStation.DrawStakeMarks(); };
+  GpsRecordControls recording(program, recordEnds);
+  recording.WireLink(gnss.link);
+  gpsStation.ends.RecordStake = [&recording](double E, double N, double H) { recording.RecordStake(E, N, H); };
+  gpsStation.ends.DrawMarker = [&recording](double E, double N) { recording.ShowMarkerAt(E, N); };
   // Space records a shot, as the record button does.
   edit.FrameCommands["Measure"] = [&program] { tavik::RecButton(program.survey->ctx); };
   // Maximised to the desktop's work area; set by hand too, for desktops without a
