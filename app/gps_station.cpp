@@ -1,8 +1,10 @@
 #include "app/gps_station.h"
 
 #include <QAction>
+#include <QComboBox>
 #include <QMenu>
 #include <QToolBar>
+#include <vector>
 
 #include "app/edit_wiring.h"
 #include "app/frmreplay.h"
@@ -154,9 +156,16 @@ void GpsStation::OpenRePlay() {
   h.ShowPanels = [this] {
     if (ends.ShowPanels) ends.ShowPanels();
   };
+  // The recording controls show the replayed antenna height, draft and reference while
+  // the replay runs, and what they showed before once it has gone.
   h.SetText = [this](const std::string& control, const std::string& text) {
-    if (ends.SetText) ends.SetText(control, text);
+    SetControlText(control, QString::fromStdString(text));
   };
+  std::vector<std::pair<std::string, QString>> shown;
+  for (const char* name : {"CmdIh", "CmdRod", "Combo3"}) shown.emplace_back(name, ControlText(name));
+  connect(replay_, &QObject::destroyed, this, [this, shown] {
+    for (const auto& [name, text] : shown) SetControlText(name, text);
+  });
   h.FitViewTo = [window](double minE, double minN, double maxE, double maxN, double factor) {
     window->FitViewTo(minE, minN, maxE, maxN, factor);
   };
@@ -168,4 +177,21 @@ void GpsStation::OpenRePlay() {
   h.DrawMarker = [this](double E, double N) {
     if (ends.DrawMarker) ends.DrawMarker(E, N);
   };
+}
+
+QString GpsStation::ControlText(const std::string& control) const {
+  QObject* o = program_.frm.findChild<QObject*>(QString::fromStdString(control));
+  if (auto* a = qobject_cast<QAction*>(o)) return a->text();
+  if (auto* c = qobject_cast<QComboBox*>(o)) return c->currentText();
+  return {};
+}
+
+void GpsStation::SetControlText(const std::string& control, const QString& text) {
+  if (ends.SetText) {
+    ends.SetText(control, text.toStdString());
+    return;
+  }
+  QObject* o = program_.frm.findChild<QObject*>(QString::fromStdString(control));
+  if (auto* a = qobject_cast<QAction*>(o)) a->setText(text);
+  if (auto* c = qobject_cast<QComboBox*>(o)) c->setCurrentText(text);
 }

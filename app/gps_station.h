@@ -8,6 +8,7 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 #include <functional>
 #include <string>
 
@@ -30,7 +31,8 @@ struct GpsEnds {
   std::function<void(double E, double N, double H)> RecordStake;
   // The position marker at E, N.
   std::function<void(double E, double N)> DrawMarker;
-  // CmdIh, CmdRod and Combo3 of the recording controls.
+  // CmdIh, CmdRod and Combo3 of the recording controls; unset, the controls of the
+  // main window by those names are written.
   std::function<void(const std::string& control, const std::string& text)> SetText;
 };
 
@@ -54,6 +56,9 @@ class GpsStation : public QObject {
 
  private:
   void ViewChanged();
+  // The recording controls by name (CmdIh, CmdRod, Combo3), when the program has them.
+  QString ControlText(const std::string& control) const;
+  void SetControlText(const std::string& control, const QString& text);
 
   Program& program_;
   EditWiring& edit_;
