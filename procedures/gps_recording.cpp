@@ -139,7 +139,8 @@ void GpsRecorder::ContinuePositionUpdate() {
       redraw();
     }
     // During a GPS stake-out both the rover and the target stay in sight as they approach.
-    if (gps_.StakeActive != kFalse) {
+    // Before a target is chosen its position is 0, 0, which is no place to zoom out to.
+    if (gps_.StakeActive != kFalse && !gps_.StakeName.empty()) {
       const double d = Distance(gps_.StakeX, gps_.StakeY, E, N);
       const double w = view.ScreenMaxE - view.ScreenMinE, h = view.ScreenMaxN - view.ScreenMinN;
       if (!view.InScreen(gps_.StakeX, gps_.StakeY) || !(d < 0.75 * w && d < 0.75 * h)) {

@@ -174,8 +174,12 @@ TEST_F(GpsRecording, OffScreenRulesAndTheStakeOutZoom) {
   At(5000, 2000);
   EXPECT_TRUE(view.InScreen(5000, 2000));
   EXPECT_GT(doc.ScaleDenominator, 1000);
-  // Stake-out: rover and target both in sight, and the scale never below 1.
+  // Stake-out: rover and target both in sight, and the scale never below 1. The window
+  // open without a target leaves the view alone.
   gps.StakeActive = kTrue;
+  const double scale = doc.ScaleDenominator;
+  At(5000, 2000);
+  EXPECT_EQ(doc.ScaleDenominator, scale);
   gps.StakeName = "T";
   gps.StakeX = 9000;
   gps.StakeY = 9000;
