@@ -13,6 +13,7 @@
 #include "app/gps_record_controls.h"
 #include "app/gps_station.h"
 #include "app/frmlandsplit.h"
+#include "app/maptransformdlg.h"
 #include "app/survey_station.h"
 #include "procedures/observation_pipeline.h"
 #include "app/program.h"
@@ -58,6 +59,7 @@ int main(int argc, char** argv) {
   EditWiring edit(program);
   program.survey->ConnectEditor(edit.Editor(), edit.Host());
   LandSplitStation landSplit(program, edit);
+  MapTransformStation mapTransform(program, edit);
   GpsStation gpsStation(program, edit);
   // Stake-out and replay read the receiver's state and panels; each position also
   // refreshes the stake-out window.
