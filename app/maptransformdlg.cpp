@@ -116,6 +116,10 @@ MapTransformDlg::MapTransformDlg(tavik::ui::Dialogs& dialogs, QWidget* parent) :
   ok_->setObjectName("OK");
   buttons->addButton("取消", QDialogButtonBox::RejectRole)->setObjectName("Cancel");
   connect(compute, &QPushButton::clicked, this, [this] { Compute(); });
+  // Only a fit has anything to compute before it is applied.
+  compute->setEnabled(false);
+  connect(tabs_, &QTabWidget::currentChanged, compute,
+          [compute](int tab) { compute->setEnabled(tab == TabPoints || tab == TabLines); });
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   col->addWidget(buttons);

@@ -56,6 +56,7 @@ class MapTransformWindowTest : public QObject {
     QVERIFY(open && undo && open->isVisible() && p.frm.Menu("MainMnuU")->menuAction()->isVisible());
 
     WithDialog(open, [](MapTransformDlg& d) {
+      QVERIFY(!d.findChild<QPushButton*>("Compute")->isEnabled());
       d.findChild<QLineEdit*>("dE")->setText("1.5");
       d.findChild<QLineEdit*>("dH")->setText("-2");
       QTest::mouseClick(d.findChild<QPushButton*>("OK"), Qt::LeftButton);
