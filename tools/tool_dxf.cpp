@@ -15,11 +15,11 @@ namespace tavik::tool {
 namespace {
 
 constexpr const char* DxfUsage =
-    "dxf DOC.SPC OUT.DXF [--scale N] [--point-as block|point] [--height-decimals 2|3] "
+    "DOC.SPC OUT.DXF [--scale N] [--point-as block|point] [--height-decimals 2|3] "
     "[--grid full|frame|none] [--grid-labels on|off] [--area-unit m2|ha|ping]";
 
 int Usage() {
-  std::fprintf(stderr, "usage: tavik-tool %s\n", DxfUsage);
+  std::fprintf(stderr, "usage: tavik-tool dxf %s\n", DxfUsage);
   return 2;
 }
 
