@@ -27,4 +27,8 @@ struct Registrar {
 // was refused (the program's own message).
 std::string ReadDocument(const std::string& path, Document& doc);
 
+// A refusal: the program's own message alone on one line of standard error (its line
+// breaks become blanks). Returns the exit code 1.
+int Refuse(std::string message);
+
 }  // namespace tavik::tool

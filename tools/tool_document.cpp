@@ -208,4 +208,11 @@ const Registrar convert({"convert", "OLD.SP NEW.SPC   save an older document in 
 
 std::string ReadDocument(const std::string& path, Document& doc) { return Read(path, doc); }
 
+int Refuse(std::string message) {
+  for (char& c : message)
+    if (c == '\n' || c == '\r') c = ' ';
+  std::fprintf(stderr, "%s\n", message.c_str());
+  return 1;
+}
+
 }  // namespace tavik::tool

@@ -39,11 +39,6 @@ int Usage(const char* text) {
   return 2;
 }
 
-int Refuse(const std::string& message) {
-  std::fprintf(stderr, "tavik-tool: %s\n", message.c_str());
-  return 1;
-}
-
 // A serial device in raw mode, so that no byte is translated on the way; a file or
 // pipe is used as it is.
 int OpenDevice(const std::string& path, int flags) {

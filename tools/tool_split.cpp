@@ -31,14 +31,6 @@ int Usage(const std::string& why) {
   return 2;
 }
 
-// A refusal: the program's own message, alone on one line.
-int Refuse(std::string message) {
-  for (char& c : message)
-    if (c == '\n' || c == '\r') c = ' ';
-  std::fprintf(stderr, "%s\n", message.c_str());
-  return 1;
-}
-
 std::optional<int32_t> WholeNumber(const std::string& text) {
   const auto v = num::ParseStrict(text);
   if (!v || *v != std::floor(*v) || *v < 1 || *v > 2147483647.0) return std::nullopt;

@@ -34,13 +34,6 @@ int Usage(const std::string& why) {
   return 2;
 }
 
-int Refuse(std::string message) {
-  for (char& c : message)
-    if (c == '\n' || c == '\r') c = ' ';
-  std::fprintf(stderr, "%s\n", message.c_str());
-  return 1;
-}
-
 std::string WithoutExtension(const std::string& path) {
   std::filesystem::path p(path);
   return (p.parent_path() / p.stem()).string();

@@ -17,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/sim/args.h"
 #include "tools/sim/gnss.h"
 #include "tools/sim/pty.h"
 
@@ -87,13 +88,7 @@ int GnssMain(int argc, char** argv) {
   bool verbose = false;
   for (int i = 1; i < argc; ++i) {
     std::string a = argv[i];
-    auto value = [&]() -> std::string {
-      if (i + 1 >= argc) {
-        std::cerr << a << " needs a value\n" << kUsage;
-        std::exit(2);
-      }
-      return argv[++i];
-    };
+    auto value = [&] { return OptionValue(argc, argv, i, kUsage); };
     if (a == "--gnss") options.kind = value();
     else if (a == "--device") device = value();
     else if (a == "--record") recordPath = value();
@@ -154,12 +149,7 @@ int GnssMain(int argc, char** argv) {
   }
   GnssReceiver receiver(options, scene);
   if (!faultText.empty()) {
-    std::string kind = faultText;
-    int at = 1;
-    if (auto p = faultText.find('@'); p != std::string::npos) {
-      kind = faultText.substr(0, p);
-      at = std::atoi(faultText.c_str() + p + 1);
-    }
+    const auto [kind, at] = SplitFaultSpec(faultText);
     GnssFault f;
     if (!ParseGnssFault(kind, f)) {
       std::cerr << "unknown fault " << kind << "\n" << kUsage;

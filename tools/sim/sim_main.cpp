@@ -18,6 +18,7 @@
 #include <sstream>
 #include <string>
 
+#include "tools/sim/args.h"
 #include "tools/sim/instrument.h"
 #include "tools/sim/gnss.h"
 #include "tools/sim/pty.h"
@@ -49,13 +50,7 @@ int main(int argc, char** argv) {
   bool verbose = false;
   for (int i = 1; i < argc; ++i) {
     std::string a = argv[i];
-    auto value = [&]() -> std::string {
-      if (i + 1 >= argc) {
-        std::cerr << a << " needs a value\n" << kUsage;
-        std::exit(2);
-      }
-      return argv[++i];
-    };
+    auto value = [&] { return OptionValue(argc, argv, i, kUsage); };
     if (a == "--family") familyName = value();
     else if (a == "--scene") scenePath = value();
     else if (a == "--device") device = value();
@@ -92,12 +87,7 @@ int main(int argc, char** argv) {
   }
   Instrument instrument(family, scene, options);
   if (!faultText.empty()) {
-    std::string kind = faultText;
-    int at = 1;
-    if (auto p = faultText.find('@'); p != std::string::npos) {
-      kind = faultText.substr(0, p);
-      at = std::atoi(faultText.c_str() + p + 1);
-    }
+    const auto [kind, at] = SplitFaultSpec(faultText);
     Fault f;
     if (!ParseFault(kind, f)) {
       std::cerr << "unknown fault " << kind << "\n" << kUsage;

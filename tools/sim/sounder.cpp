@@ -10,6 +10,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "tools/sim/args.h"
 #include "tools/sim/pty.h"
 
 namespace tavik::sim {
@@ -93,13 +94,7 @@ int SounderMain(int argc, char** argv) {
   bool garbage = false;
   for (int i = 1; i < argc; ++i) {
     std::string a = argv[i];
-    auto value = [&]() -> std::string {
-      if (i + 1 >= argc) {
-        std::cerr << a << " needs a value\n" << kUsage;
-        std::exit(2);
-      }
-      return argv[++i];
-    };
+    auto value = [&] { return OptionValue(argc, argv, i, kUsage); };
     if (a == "--sounder" || a == "--motion") kind = value();
     else if (a == "--device") device = value();
     else if (a == "--depth") depth = std::atof(value().c_str());
