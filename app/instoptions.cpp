@@ -43,7 +43,17 @@ InstOptions::InstOptions(tavik::InstrumentState& state, tavik::ui::Dialogs& dial
     other->setObjectName(QString("picOptions(%1)").arg(tabs_->count()));
     tabs_->addTab(other, caption);
   }
-  if (gnss_) BuildGnssTab(tabs_->widget(1));
+  if (gnss_) {
+    BuildGnssTab(tabs_->widget(1));
+    auto* tab = tabs_->widget(2);
+    auto* layout = new QHBoxLayout(tab);
+    layout->addWidget(BuildDevice(tab, "測深儀", "Sounder", {"CEEECHO", "Ceastar", "HydroLite", "HydroBox", "E Sea Sound 206"},
+                                  gnss_->SounderKind, gnss_->SounderPort, gnss_->SounderBaud, sounder_));
+    layout->addWidget(BuildDevice(tab, "姿態儀", "Motion", {"TSS_DMS3"}, gnss_->MotionSensorKind,
+                                  gnss_->MotionSensorPort, gnss_->MotionSensorBaud, motion_));
+    ShowDevice(sounder_, gnss_->SounderKind, gnss_->SounderPort, gnss_->SounderBaud);
+    ShowDevice(motion_, gnss_->MotionSensorKind, gnss_->MotionSensorPort, gnss_->MotionSensorBaud);
+  }
   auto* grid = new QGridLayout(ts);
 
   auto* kinds = new QGroupBox("儀器", ts);
@@ -217,6 +227,54 @@ void InstOptions::BuildGnssTab(QWidget* tab) {
   }
   grid->addWidget(imuBox, 2, 1);
   ShowGnss();
+}
+
+QWidget* InstOptions::BuildDevice(QWidget* tab, const char* title, const char* name,
+                                  const std::vector<std::string>& kinds, std::string& kind, int16_t& port,
+                                  int32_t& baud, DeviceControls& controls) {
+  auto* box = new QGroupBox(title, tab);
+  auto* layout = new QVBoxLayout(box);
+  auto* group = new QButtonGroup(box);
+  std::vector<std::string> all{""};
+  all.insert(all.end(), kinds.begin(), kinds.end());
+  for (const std::string& k : all) {
+    auto* b = new QRadioButton(k.empty() ? QString("無") : Q(k), box);
+    b->setObjectName(Q(std::string("Opt") + name + "(" + k + ")"));
+    layout->addWidget(b);
+    group->addButton(b);
+    controls.kinds[k] = b;
+    connect(b, &QRadioButton::clicked, this, [&kind, k] { kind = k; });
+  }
+  auto* row = new QHBoxLayout;
+  controls.port = new QComboBox(box);
+  controls.port->setObjectName(Q(std::string(name) + "PortCombo"));
+  for (int n : tavik::InstOptionsLogic::PortChoices()) controls.port->addItem(QString("COM%1").arg(n), n);
+  controls.baud = new QComboBox(box);
+  controls.baud->setObjectName(Q(std::string(name) + "BaudCombo"));
+  for (int b : tavik::InstOptionsLogic::SpeedChoices()) controls.baud->addItem(QString::number(b), b);
+  row->addWidget(controls.port);
+  row->addWidget(new QLabel("鮑率", box));
+  row->addWidget(controls.baud);
+  layout->addLayout(row);
+  layout->addStretch();
+  QComboBox* portCombo = controls.port;
+  QComboBox* baudCombo = controls.baud;
+  connect(portCombo, &QComboBox::activated, this,
+          [&port, portCombo](int i) { port = static_cast<int16_t>(portCombo->itemData(i).toInt()); });
+  connect(baudCombo, &QComboBox::activated, this, [&baud, baudCombo](int i) { baud = baudCombo->itemData(i).toInt(); });
+  return box;
+}
+
+void InstOptions::ShowDevice(const DeviceControls& controls, const std::string& kind, int16_t port, int32_t baud) {
+  auto marked = controls.kinds.find(kind);
+  if (marked != controls.kinds.end()) marked->second->setChecked(true);
+  controls.port->setCurrentIndex(controls.port->findData(static_cast<int>(port)));
+  int speed = controls.baud->findData(static_cast<int>(baud));
+  if (speed < 0) {
+    controls.baud->addItem(QString::number(baud), static_cast<int>(baud));
+    speed = controls.baud->count() - 1;
+  }
+  controls.baud->setCurrentIndex(speed);
 }
 
 void InstOptions::MarkReceiver() {

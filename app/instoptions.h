@@ -1,13 +1,17 @@
 // InstOptions, 儀器選單: the window over InstOptionsLogic. Tabs for total stations,
-// GNSS receivers and depth sounders (the last is filled by its own part); the
+// GNSS receivers and depth sounders with the motion sensor; the
 // total-station tab has the option buttons, port and speed, 2D/3D, help, automatic
 // identification, power and rotation; the GNSS tab the receiver kind, its port and
-// speed, the correction format, the differential choice and the IMU offset. The dialog has its own port MSComm1 and the
+// speed, the correction format, the differential choice and the IMU offset; the sounder
+// tab the sounder kind and the motion sensor kind, each with its port and speed. The
+// dialog has its own port MSComm1 and the
 // timers Timer1 (power-on delay) and Timer2 (identification probes).
 #pragma once
 
 #include <QDialog>
 #include <map>
+#include <string>
+#include <vector>
 
 #include "instruments/inst_options.h"
 #include "platform/qt/qt_timer.h"
@@ -37,6 +41,15 @@ class InstOptions : public QDialog {
   void BuildGnssTab(QWidget* tab);
   void ShowGnss();
   void MarkReceiver();
+  // A device of the sounder tab: its kinds as buttons ("無" for none) with port and speed.
+  struct DeviceControls {
+    std::map<std::string, QRadioButton*> kinds;
+    QComboBox* port = nullptr;
+    QComboBox* baud = nullptr;
+  };
+  QWidget* BuildDevice(QWidget* tab, const char* title, const char* name, const std::vector<std::string>& kinds,
+                       std::string& kind, int16_t& port, int32_t& baud, DeviceControls& controls);
+  void ShowDevice(const DeviceControls& controls, const std::string& kind, int16_t port, int32_t baud);
 
   tavik::InstrumentState& state_;
   tavik::ui::QtSerialPort port_;
@@ -59,4 +72,5 @@ class InstOptions : public QDialog {
   QRadioButton* differential_[3] = {};
   class QCheckBox* check3_ = nullptr;
   class QLineEdit* offsets_[3] = {};
+  DeviceControls sounder_, motion_;
 };

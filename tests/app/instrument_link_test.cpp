@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <QComboBox>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QPushButton>
@@ -77,6 +78,31 @@ class InstrumentLinkTest : public QObject {
     QVERIFY(face && face->isChecked());
     face->trigger();
     QCOMPARE(il.inst.FaceWarning, int16_t(0));
+  }
+
+  // The sounder tab shows the stored devices and writes a new choice into the set-up.
+  void sounderTabShowsAndSetsTheDevices() {
+    MainFrm frm;
+    tavik::ui::ScriptedDialogs dialogs;
+    tavik::ui::MemorySettingsStore store;
+    InstrumentLink il(frm, dialogs, &store);
+    tavik::GnssSetup setup;
+    setup.SounderKind = "HydroBox";
+    setup.SounderPort = 4;
+    setup.MotionSensorBaud = 19200;
+    InstOptions dlg(il.inst, dialogs, il, &store, &setup);
+    QVERIFY(dlg.findChild<QRadioButton*>("OptSounder(HydroBox)")->isChecked());
+    QVERIFY(dlg.findChild<QRadioButton*>("OptMotion()")->isChecked());
+    auto* port = dlg.findChild<QComboBox*>("SounderPortCombo");
+    QCOMPARE(port->currentText(), QString("COM4"));
+    QCOMPARE(dlg.findChild<QComboBox*>("MotionBaudCombo")->currentText(), QString("19200"));
+    dlg.findChild<QRadioButton*>("OptSounder()")->click();
+    dlg.findChild<QRadioButton*>("OptMotion(TSS_DMS3)")->click();
+    port->setCurrentIndex(port->findText("COM2"));
+    emit port->activated(port->currentIndex());
+    QCOMPARE(setup.SounderKind, std::string());
+    QCOMPARE(setup.MotionSensorKind, std::string("TSS_DMS3"));
+    QCOMPARE(setup.SounderPort, int16_t(2));
   }
 
   void robotPanelWritesOnTheSetPort() {
