@@ -14,6 +14,7 @@
 #include "core/tables.h"
 #include "core/temp_home.h"
 #include "platform/scripted/scripted.h"
+#include "tests/app/paper_point.h"
 
 class EditWindowTest : public QObject {
   Q_OBJECT
@@ -24,12 +25,7 @@ class EditWindowTest : public QObject {
     return n;
   }
   // The widget position of a world point.
-  static QPoint At(Program& p, EditWiring& w, double E, double N) {
-    float x, y;
-    tavik::WorldToPaper(p.app.view, p.app.doc.ScaleDenominator, E, N, x, y);
-    (void)w;
-    return QPoint(qRound(x - 1.5f * p.app.view.ViewWidthPixels), qRound(y - 1.5f * p.app.view.ViewHeightPixels));
-  }
+  static QPoint At(Program& p, EditWiring&, double E, double N) { return PaperPoint(p, E, N); }
   // True when the window shows the yellow of a rubber band within a pixel of q.
   static bool YellowNear(QWidget* paper, QPoint q) {
     const QImage shown = paper->grab().toImage();

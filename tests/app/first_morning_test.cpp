@@ -28,6 +28,7 @@
 #include "platform/scripted/scripted.h"
 #include "procedures/observation_pipeline.h"
 #include "view/transform.h"
+#include "tests/app/paper_point.h"
 
 namespace fs = std::filesystem;
 
@@ -91,11 +92,7 @@ struct Window {
     });
     timer->start(20);
   }
-  QPoint At(double E, double N) {
-    float x, y;
-    tavik::WorldToPaper(p.app.view, p.app.doc.ScaleDenominator, E, N, x, y);
-    return QPoint(qRound(x - 1.5f * p.app.view.ViewWidthPixels), qRound(y - 1.5f * p.app.view.ViewHeightPixels));
-  }
+  QPoint At(double E, double N) { return PaperPoint(p, E, N); }
   // The counts shown, after the window has painted what changed.
   QStringList Counts() {
     QTest::qWait(20);

@@ -14,15 +14,12 @@
 #include "core/tables.h"
 #include "core/temp_home.h"
 #include "platform/scripted/scripted.h"
+#include "tests/app/paper_point.h"
 
 class GpsStationTest : public QObject {
   Q_OBJECT
 
-  static QPoint At(Program& p, double E, double N) {
-    float x, y;
-    tavik::WorldToPaper(p.app.view, p.app.doc.ScaleDenominator, E, N, x, y);
-    return QPoint(qRound(x - 1.5f * p.app.view.ViewWidthPixels), qRound(y - 1.5f * p.app.view.ViewHeightPixels));
-  }
+  static QPoint At(Program& p, double E, double N) { return PaperPoint(p, E, N); }
 
  private slots:
   void stakeOutPickAndReplayInTheWindow() {

@@ -16,16 +16,13 @@
 #include "core/tables.h"
 #include "core/temp_home.h"
 #include "platform/scripted/scripted.h"
+#include "tests/app/paper_point.h"
 
 class LandSplitWindowTest : public QObject {
   Q_OBJECT
 
   // The widget position of a world point.
-  static QPoint At(Program& p, double E, double N) {
-    float x, y;
-    tavik::WorldToPaper(p.app.view, p.app.doc.ScaleDenominator, E, N, x, y);
-    return QPoint(qRound(x - 1.5f * p.app.view.ViewWidthPixels), qRound(y - 1.5f * p.app.view.ViewHeightPixels));
-  }
+  static QPoint At(Program& p, double E, double N) { return PaperPoint(p, E, N); }
 
  private slots:
   void parcelTracedCutAndCommitted() {

@@ -11,34 +11,23 @@
 #include "core/tables.h"
 #include "core/temp_home.h"
 #include "platform/scripted/scripted.h"
+#include "tests/tools/tool_run.h"
 
 using namespace tavik;
 using tavik::testing::ByteWriter;
 using tavik::testing::ReadBytes;
+using tavik::testing::RunTool;
+using tavik::testing::ToolRun;
 using tavik::testing::TempHome;
 using tavik::testing::WriteBytes;
 
 namespace {
 
-struct ToolRun {
-  int exit = -1;
-  std::string out, err;
-};
-
 class ToolTest : public ::testing::Test {
  protected:
   TempHome home;
 
-  ToolRun Tool(const std::string& args) {
-    std::string out = (home.path / "stdout").string(), err = (home.path / "stderr").string();
-    std::string cmd = std::string(TAVIK_BIN_DIR) + "/tools/tavik-tool " + args + " >'" + out + "' 2>'" + err + "'";
-    int status = std::system(cmd.c_str());
-    ToolRun r;
-    r.exit = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    r.out = ReadBytes(out);
-    r.err = ReadBytes(err);
-    return r;
-  }
+  ToolRun Tool(const std::string& args) { return RunTool(home.path, args); }
   std::string Quoted(const std::string& name) const { return "'" + (home.path / name).string() + "'"; }
 
   // A small document saved by the program's own save.

@@ -15,17 +15,15 @@
 
 #include "core/temp_home.h"
 #include "geo/datum.h"
+#include "tests/tools/tool_run.h"
 
 using tavik::testing::ReadBytes;
+using tavik::testing::RunTool;
+using tavik::testing::ToolRun;
 using tavik::testing::TempHome;
 using tavik::testing::WriteBytes;
 
 namespace {
-
-struct ToolRun {
-  int exit = -1;
-  std::string out, err;
-};
 
 const std::string kGga = "$GNGGA,023045.00,2407.4073,N,12059.2593,E,4,12,0.9,100.123,M,17.0,M,1.0,0000*5C";
 const std::string kBest =
@@ -38,12 +36,7 @@ class GnssToolTest : public ::testing::Test {
  protected:
   TempHome home;
 
-  ToolRun Tool(const std::string& args) {
-    std::string out = (home.path / "stdout").string(), err = (home.path / "stderr").string();
-    std::string cmd = std::string(TAVIK_BIN_DIR) + "/tools/tavik-tool gnss " + args + " >'" + out + "' 2>'" + err + "'";
-    int status = std::system(cmd.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadBytes(out), ReadBytes(err)};
-  }
+  ToolRun Tool(const std::string& args) { return RunTool(home.path, "gnss " + args); }
   std::string File(const std::string& name, const std::string& bytes) {
     WriteBytes(home.path / name, bytes);
     return "'" + (home.path / name).string() + "'";

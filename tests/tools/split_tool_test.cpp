@@ -16,17 +16,15 @@
 #include "core/temp_home.h"
 #include "core/text.h"
 #include "platform/scripted/scripted.h"
+#include "tests/tools/tool_run.h"
 
 using namespace tavik;
 using tavik::testing::ReadBytes;
+using tavik::testing::RunTool;
+using tavik::testing::ToolRun;
 using tavik::testing::TempHome;
 
 namespace {
-
-struct SplitRun {
-  int exit = -1;
-  std::string out, err;
-};
 
 // The area of the 100 m square west of the line through the two points (the square's
 // west edge at E 1000), from the line's crossings with the north and south sides.
@@ -39,12 +37,7 @@ class SplitToolTest : public ::testing::Test {
  protected:
   TempHome home;
 
-  SplitRun Tool(const std::string& args) {
-    const std::string out = (home.path / "stdout").string(), err = (home.path / "stderr").string();
-    const std::string cmd = std::string(TAVIK_BIN_DIR) + "/tools/tavik-tool split " + args + " >'" + out + "' 2>'" + err + "'";
-    const int status = std::system(cmd.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadBytes(out), ReadBytes(err)};
-  }
+  ToolRun Tool(const std::string& args) { return RunTool(home.path, "split " + args); }
   // A reference map of one line and two points, then the square traced as the parcel,
   // with a point inside it for mode 7. Mode 7 starts its turn along the reference line
   // (the entity numbered before the edge found), north, so only a piece larger than
@@ -97,7 +90,7 @@ TEST_F(SplitToolTest, EveryModeGivesACutWhoseStakesEncloseTheArea) {
                         {"--mode 7 --area 5500 --point 3", 5500},  {"--mode 8 --points 1,2", 0}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.args);
-    const SplitRun r = Tool(doc + " " + c.args);
+    const ToolRun r = Tool(doc + " " + c.args);
     ASSERT_EQ(r.exit, 0) << r.err;
     const auto lines = Lines(r.out);
     ASSERT_EQ(lines.size(), 4u);
@@ -134,7 +127,7 @@ TEST_F(SplitToolTest, RefusalsAreTheDialogsOwnMessages) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.args);
-    const SplitRun r = Tool(c.args);
+    const ToolRun r = Tool(c.args);
     EXPECT_EQ(r.exit, c.exit);
     EXPECT_EQ(c.exit == 1 ? r.err : r.err.substr(0, c.err.size()), c.err);
     EXPECT_EQ(r.out, "");
@@ -146,7 +139,7 @@ TEST_F(SplitToolTest, StakesAndApplyLeaveTheInputAsItWas) {
   const std::string before = ReadBytes(home.path / "地籍.SPC");
   const auto stakes = home.path / "樁位.TXT";
   const auto out = home.path / "分割後.SPC";
-  const SplitRun r = Tool(doc + " --mode 3 --area 2500 --stakes '" + stakes.string() + "' --apply '" + out.string() + "'");
+  const ToolRun r = Tool(doc + " --mode 3 --area 2500 --stakes '" + stakes.string() + "' --apply '" + out.string() + "'");
   ASSERT_EQ(r.exit, 0) << r.err;
   EXPECT_EQ(ReadBytes(home.path / "地籍.SPC"), before);
   const auto v = Values(r.out);

@@ -14,31 +14,24 @@
 #include "core/tables.h"
 #include "core/temp_home.h"
 #include "core/text.h"
+#include "tests/tools/tool_run.h"
 #include "platform/scripted/scripted.h"
 
 using namespace tavik;
+using tavik::testing::Quoted;
 using tavik::testing::ReadBytes;
+using tavik::testing::RunTool;
+using tavik::testing::ToolRun;
 using tavik::testing::TempHome;
 using tavik::testing::WriteBytes;
 
 namespace {
 
-struct ToolRun {
-  int exit = -1;
-  std::string out, err;
-};
-
 class TransformToolTest : public ::testing::Test {
  protected:
   TempHome home;
 
-  ToolRun Tool(const std::string& args) {
-    const std::string out = (home.path / "stdout").string(), err = (home.path / "stderr").string();
-    const std::string cmd =
-        std::string(TAVIK_BIN_DIR) + "/tools/tavik-tool transform " + args + " >'" + out + "' 2>'" + err + "'";
-    const int status = std::system(cmd.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadBytes(out), ReadBytes(err)};
-  }
+  ToolRun Tool(const std::string& args) { return RunTool(home.path, "transform " + args); }
   // A reference point, then three surveyed points and a line on the TWD97 grid.
   std::string Survey() {
     WorkFiles wf(AppPaths{home.path});
@@ -63,7 +56,6 @@ class TransformToolTest : public ::testing::Test {
     EXPECT_TRUE(LoadDocument(d, dialogs));
     return d;
   }
-  std::string Q(const std::string& s) const { return "'" + s + "'"; }
 };
 
 TEST_F(TransformToolTest, ShiftRotateAndFitWriteTheMovedSurvey) {
@@ -81,7 +73,7 @@ TEST_F(TransformToolTest, ShiftRotateAndFitWriteTheMovedSurvey) {
   };
   for (const auto& k : cases) {
     SCOPED_TRACE(k.args);
-    const ToolRun r = Tool(Q(in) + " " + Q(out) + " " + k.args);
+    const ToolRun r = Tool(Quoted(in) + " " + Quoted(out) + " " + k.args);
     ASSERT_EQ(r.exit, 0) << r.err;
     EXPECT_NE(r.out.find("\nA "), std::string::npos) << r.out;
     const Document d = Load(out);
@@ -99,7 +91,7 @@ TEST_F(TransformToolTest, ShiftRotateAndFitWriteTheMovedSurvey) {
   // A fit by point Numbers and by coordinates: a shift of 1, 2 with 3 cm on one target.
   WriteBytes(home.path / "pairs.csv",
              text::ToCp950("點號,E,N\n2,250101,2650002\n3,250101,2650202\n250000,2650000,250001.03,2650002,控1\n"));
-  const ToolRun r = Tool(Q(in) + " " + Q(out) + " --fit " + Q((home.path / "pairs.csv").string()));
+  const ToolRun r = Tool(Quoted(in) + " " + Quoted(out) + " --fit " + Quoted((home.path / "pairs.csv").string()));
   ASSERT_EQ(r.exit, 0) << r.err;
   EXPECT_NE(r.out.find("相似轉換"), std::string::npos);
   EXPECT_NE(r.out.find("控1"), std::string::npos);
@@ -118,9 +110,9 @@ TEST_F(TransformToolTest, RefusalsAndUsage) {
     int exit;
     std::string err;
   } cases[] = {
-      {"--fit " + Q((home.path / "line.csv").string()) + " --model affine", 1, "點位都在一直線上,無法以仿射轉換計算\n"},
-      {"--fit " + Q((home.path / "one.csv").string()), 1, "至少需要兩對點位才能計算\n"},
-      {"--fit " + Q((home.path / "nine.csv").string()), 1, ""},
+      {"--fit " + Quoted((home.path / "line.csv").string()) + " --model affine", 1, "點位都在一直線上,無法以仿射轉換計算\n"},
+      {"--fit " + Quoted((home.path / "one.csv").string()), 1, "至少需要兩對點位才能計算\n"},
+      {"--fit " + Quoted((home.path / "nine.csv").string()), 1, ""},
       {"--shift 1", 2, ""},
       {"--rotate 10", 2, ""},
       {"--shift 1,1 --rotate 2 --about 0,0", 2, ""},
@@ -129,14 +121,14 @@ TEST_F(TransformToolTest, RefusalsAndUsage) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.args);
     std::filesystem::remove(out);
-    const ToolRun r = Tool(Q(in) + " " + Q(out) + " " + c.args);
+    const ToolRun r = Tool(Quoted(in) + " " + Quoted(out) + " " + c.args);
     EXPECT_EQ(r.exit, c.exit) << r.err;
     if (!c.err.empty()) {
       EXPECT_EQ(r.err, c.err);
     }
     EXPECT_FALSE(std::filesystem::exists(out));
   }
-  EXPECT_EQ(Tool(Q(in) + " " + Q(in) + " --shift 1,1").exit, 2);
+  EXPECT_EQ(Tool(Quoted(in) + " " + Quoted(in) + " --shift 1,1").exit, 2);
 }
 
 }  // namespace
