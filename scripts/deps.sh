@@ -3,9 +3,11 @@
 # Usage: scripts/deps.sh [run|test]
 set -euo pipefail
 want=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-serialport-dev libqt6serialport6
-      libgtest-dev libgmock-dev libbenchmark-dev fonts-wqy-zenhei ccache)
+      libgtest-dev libgmock-dev libbenchmark-dev fonts-wqy-zenhei ccache
+      libgdal-dev libxlsxwriter-dev)
 if [ "${1:-test}" = test ]; then
-  want+=(libproj-dev proj-bin gdal-bin xvfb xauth python3 python3-ezdxf librecad poppler-utils rtklib)
+  want+=(libproj-dev proj-bin gdal-bin xvfb xauth python3 python3-ezdxf librecad poppler-utils rtklib
+         python3-openpyxl)
 fi
 missing=()
 for p in "${want[@]}"; do
