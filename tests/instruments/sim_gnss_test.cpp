@@ -52,6 +52,19 @@ TEST(SimGnss, KeepsTheLogsOfEachDialect) {
   EXPECT_EQ(axis3.Logs().size(), 3u);
 }
 
+TEST(SimGnss, ABaseStaysOnItsFixedPositionUntilUnfixed) {
+  GnssOptions o;
+  o.kind = "DL-RT2";
+  GnssReceiver r(o, {});
+  SendLines(r, {"UNLOGALL", "log com1 posa ontime 1", "FIX POSITION 24.5 121.25 13.75"});
+  for (int k = 0; k < 12; ++k) EXPECT_EQ(r.Epoch().rfind("$POSA,2340,", 0), 0u);
+  EXPECT_EQ(r.Position().lat, 24.5);
+  EXPECT_EQ(r.Position().height, 13.75);
+  SendLines(r, {"UNFIX"});
+  r.Epoch();
+  EXPECT_NE(r.Position().lat, 24.5);
+}
+
 TEST(SimGnss, SentencesHaveTheFieldCountsTheProgramExpects) {
   GnssOptions o;
   o.kind = "PP7";

@@ -232,6 +232,12 @@ void GnssReceiver::Command(const std::string& line) {
   const std::string verb = Upper(t[0]);
   if (verb == "COM" && t.size() > 1) {
     computerPort_ = Upper(t[1]);
+  } else if (verb == "UNFIX" || (verb == "FIX" && t.size() > 1 && Upper(t[1]) == "NONE")) {
+    fixed_ = false;
+  } else if (verb == "FIX" && t.size() > 4 && Upper(t[1]) == "POSITION") {
+    // A base: the receiver stays on the given position (height of the antenna).
+    fixed_ = true;
+    position_ = {std::atof(t[2].c_str()), std::atof(t[3].c_str()), std::atof(t[4].c_str())};
   } else if (verb == "UNLOGALL") {
     logs_.clear();
     order_.clear();
@@ -268,11 +274,13 @@ void GnssReceiver::Advance() {
   const GnssPosition& a = scene_[k];
   const GnssPosition& b = scene_[(k + 1) % n];
   const double t = (epoch_ % steps) / static_cast<double>(steps);
-  GnssPosition next{a.lat + (b.lat - a.lat) * t, a.lon + (b.lon - a.lon) * t, a.height + (b.height - a.height) * t};
-  const double dn = (next.lat - position_.lat) * 110770.0;
-  const double de = (next.lon - position_.lon) * 111320.0 * std::cos(next.lat * kPi / 180);
-  if (dn != 0 || de != 0) heading_ = std::fmod(std::atan2(de, dn) * 180 / kPi + 360, 360);
-  position_ = next;
+  if (!fixed_) {
+    GnssPosition next{a.lat + (b.lat - a.lat) * t, a.lon + (b.lon - a.lon) * t, a.height + (b.height - a.height) * t};
+    const double dn = (next.lat - position_.lat) * 110770.0;
+    const double de = (next.lon - position_.lon) * 111320.0 * std::cos(next.lat * kPi / 180);
+    if (dn != 0 || de != 0) heading_ = std::fmod(std::atan2(de, dn) * 180 / kPi + 360, 360);
+    position_ = next;
+  }
   if (epoch_ == faultAt_) {
     if (fault_ == GnssFault::Silence) silent_ = true;
     if (fault_ == GnssFault::Garbage) garbage_ = true;
@@ -295,6 +303,7 @@ std::vector<std::string> GnssReceiver::Due() {
     else if (type == "DUALANTENNAHEADINGA") out.push_back(DualAntennaHeadingA());
     else if (type == "INSPOSA") out.push_back(InsPosA());
     else if (type == "PRTKA") out.push_back(Prtka());
+    else if (type == "POSA") out.push_back(Posa());
     else if (type == "GPGGA") out.push_back(Gga());
     else if (type == "GPGSA") out.push_back(Gsa());
     else if (type == "GPGSV") for (const std::string& s : Gsv()) out.push_back(s);
@@ -404,6 +413,13 @@ std::string GnssReceiver::Prtka() const {
                             Seconds().c_str(), options_.satellites, none ? 0 : 10, none ? 0 : 8,
                             none ? 0.0 : position_.lat, none ? 0.0 : position_.lon, none ? 0.0 : position_.height,
                             w.sigmaN, w.sigmaE, w.sigmaH, w.prtkaRtk, w.prtkaPosition);
+  return "$" + body + "*" + NmeaChecksum(body);
+}
+
+std::string GnssReceiver::Posa() const {
+  const FixWords w = Words(options_.fix);
+  std::string body = Printf("POSA,%d,%s,%.9f,%.9f,%.3f,17.000,61,%.3f,%.3f,%.3f,0", kWeek, Seconds().c_str(),
+                            position_.lat, position_.lon, position_.height, w.sigmaN, w.sigmaE, w.sigmaH);
   return "$" + body + "*" + NmeaChecksum(body);
 }
 

@@ -4,7 +4,9 @@
 // "log com1,GPGGA,ondatetime.time,1", "UNLOG ...", "UNLOGALL") for the port that faces
 // the computer (COM1, or COM2 once an eGPS "com com2,..." arrives), and at each epoch
 // sends the due ones: #BESTPOSA, #DUALANTENNAHEADINGA, #INSPOSA, $PRTKA, GGA, GSA, GSV,
-// RMC, GLL and the raw logs of a Flexpak, over a walk of positions with a chosen fix.
+// RMC, GLL, the raw logs of a Flexpak and the $POSA of a base, over a walk of positions
+// with a chosen fix. "FIX POSITION lat lon h" holds the position there, as a base does,
+// until "FIX none" or "UNFIX".
 // The listen-only kinds (Axis3, 單型GPS) get no commands and send GGA, GSA and GSV.
 // Instead of the walk it can play the lines of a capture file.
 //
@@ -79,6 +81,7 @@ class GnssReceiver {
   std::string DualAntennaHeadingA() const;
   std::string InsPosA() const;
   std::string Prtka() const;
+  std::string Posa() const;  // the oldest generation's position log
   std::string Gga() const;
   std::string Gsa() const;
   std::vector<std::string> Gsv() const;
@@ -106,6 +109,7 @@ class GnssReceiver {
   double seconds_ = 0;  // of the GPS week
   GnssFault fault_ = GnssFault::None;
   int faultAt_ = 0;
+  bool fixed_ = false;  // FIX POSITION: a base on a known position, the walk stops
   bool south_ = false, silent_ = false, garbage_ = false, pulled_ = false;
   std::mt19937 rng_;
 };
