@@ -14,6 +14,7 @@
 #include "app/gps_station.h"
 #include "app/frmlandsplit.h"
 #include "app/maptransformdlg.h"
+#include "app/rtbase.h"
 #include "app/survey_station.h"
 #include "procedures/observation_pipeline.h"
 #include "app/program.h"
@@ -87,6 +88,8 @@ int main(int argc, char** argv) {
   recording.WireLink(gnss.link);
   gpsStation.ends.RecordStake = [&recording](double E, double N, double H) { recording.RecordStake(E, N, H); };
   gpsStation.ends.DrawMarker = [&recording](double E, double N) { recording.ShowMarkerAt(E, N); };
+  // The RTK base: after the recording, whose position hook it extends.
+  RtBaseStation rtBase(program, edit);
   // Space records a shot, as the record button does.
   edit.FrameCommands["Measure"] = [&program] { tavik::RecButton(program.survey->ctx); };
   // Maximised to the desktop's work area; set by hand too, for desktops without a

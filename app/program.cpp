@@ -12,6 +12,7 @@
 #include "app/ntrip_link.h"
 #include "app/survey_panel.h"
 #include "app/survey_station.h"
+#include "instruments/rt_base.h"
 #include "procedures/demo_document.h"
 #include "view/document_view.h"
 #include "view/screen_tables.h"
@@ -99,8 +100,8 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
 
   // Save, Close, Exit and every full repaint stop the blinking mark of the last point;
   // Close and Exit let go of the instrument's ports, which the next request opens again.
-  // No part of the program logs raw base-station data yet, so StopBaseLogging stays
-  // unset until the RTK base comes.
+  // At exit a base station that logs raw data is told to stop.
+  cycle.hooks.StopBaseLogging = [this] { tavik::RtBaseLogic::StopBaseLogging(gnss->gps, &gnss->MSComm1); };
   cycle.hooks.StopLiveMarker = [this] { survey->panel()->StopBlink(); };
   frm.handlers.StopLiveMarker = cycle.hooks.StopLiveMarker;
   cycle.hooks.CloseSensorPorts = [this] {

@@ -276,8 +276,10 @@ bool RtBaseLogic::Command3() {
 }
 
 bool RtBaseLogic::Command1() {
-  const std::string path = dialogs_.SaveFileName("", RawFilter, WorkFolder);
+  std::string path = dialogs_.SaveFileName("RAW 檔案", RawFilter, WorkFolder);
   if (path.empty()) return false;
+  // A name typed without an extension gets the raw files' own.
+  if (std::filesystem::path(path).extension().empty()) path += ".GPS";
   std::error_code ec;
   if (std::filesystem::exists(path, ec)) {
     if (dialogs_.MsgBox("此檔已經存在,是否覆蓋?", "發現同名檔", ui::Buttons::YesNo, ui::Icon::Question) !=

@@ -155,6 +155,7 @@ class RtBaseLogic {
   bool Command3();
   // Command1: the raw file. False when none was chosen (cancelled, or not to overwrite).
   bool Command1();
+  const std::string& RawPath() const { return gps_.RawPath; }
   // The raw period of Combo2 / Combo3, kept in the receiver set-up.
   void SetRawPeriod(double seconds) { setup_.RawPeriodSeconds = seconds; }
 

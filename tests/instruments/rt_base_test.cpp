@@ -210,6 +210,10 @@ TEST(RtBase, RawFileIsEmptiedOnlyWhenOverwritingIsConfirmed) {
     EXPECT_EQ(r.gps.RawPath, answer == ui::Answer::Yes ? path : "");
     EXPECT_EQ(r.panels.RawCount, answer == ui::Answer::Yes ? 0 : 9);
   }
+  BaseRig typed;
+  typed.dialogs.files = {(dir / "new").string()};
+  EXPECT_TRUE(typed.base.Command1());
+  EXPECT_EQ(typed.gps.RawPath, (dir / "new.GPS").string());
   std::filesystem::remove_all(dir);
 }
 
