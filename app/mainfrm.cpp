@@ -474,6 +474,12 @@ QAction* MainFrm::Command(const std::string& name) const {
   return it == commands_.end() ? nullptr : it->second;
 }
 
+void MainFrm::AddDocumentCommand(QAction* a) {
+  a->setEnabled(commands_["MainMnuSave"]->isEnabled());
+  documentCommands_.push_back(a);
+  if (!a->objectName().isEmpty()) commands_[a->objectName().toStdString()] = a;
+}
+
 QString MainFrm::PanelText(int index) const {
   return index >= 1 && index <= 10 ? panels_[index]->text() : QString();
 }

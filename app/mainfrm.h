@@ -81,6 +81,9 @@ class MainFrm : public QMainWindow, public tavik::FrameWindow, public tavik::vie
   // A menu or command by its control name ("MainMnuEdit", "MainMnuSave", "mnuFileItem(2)").
   QMenu* Menu(const std::string& name) const;
   QAction* Command(const std::string& name) const;
+  // A command of another part of the program that needs an open document: enabled and
+  // disabled with Save and Close.
+  void AddDocumentCommand(QAction* a);
   QString PanelText(int index) const;
   // The progress bar of the status bar for a load, merge, save or import: it shows
   // records done out of the total once the work has taken half a second, is painted at

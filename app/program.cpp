@@ -7,6 +7,8 @@
 
 #include "app/edit_wiring.h"
 #include "app/export_menu.h"
+#include "app/frmdispsetup.h"
+#include "app/print_map.h"
 #include "app/gnss_wiring.h"
 #include "app/gpsinitdlg.h"
 #include "app/ntrip_link.h"
@@ -103,6 +105,7 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
   // At exit a base station that logs raw data is told to stop.
   cycle.hooks.StopBaseLogging = [this] { tavik::RtBaseLogic::StopBaseLogging(gnss->gps, &gnss->MSComm1); };
   cycle.hooks.StopLiveMarker = [this] { survey->panel()->StopBlink(); };
+  cycle.hooks.TakenUp = [this] { survey->panel()->ShowStation(); };
   frm.handlers.StopLiveMarker = cycle.hooks.StopLiveMarker;
   cycle.hooks.CloseSensorPorts = [this] {
     instruments.MSComm_SET.Close();
@@ -235,9 +238,14 @@ void Program::LinkSettings() {
         ini.RefBlue = tavik::ui::BlueOf(d.ReferenceLineColour);
         ini.RefColourInUse = d.ReferenceEntityColourOn != 0;
       });
+  LinkDisplaySettings(s, d, store);
 }
 
 void Program::Start() {
   LinkSettings();
+  if (edit) {
+    AddDisplaySetupCommand(*this);
+    AddPrintCommands(*this);
+  }
   cycle.Startup();
 }

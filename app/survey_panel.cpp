@@ -12,6 +12,7 @@
 #include "app/inputhvsdlg.h"
 #include "app/mainfrm.h"
 #include "core/app_state.h"
+#include "core/numbers.h"
 #include "core/workfiles.h"
 #include "instruments/instrument_state.h"
 #include "view/screen_tables.h"
@@ -67,6 +68,16 @@ void SurveyPanel::Forget() {
   targetShown_ = false;
   targetName_.clear();
   for (auto& [name, label] : labels_) label->clear();
+}
+
+void SurveyPanel::ShowStation() {
+  const tavik::Document& doc = app_.doc;
+  if (!doc.IsOpen() || !doc.StationSet || doc.StationName.empty()) return;
+  auto f3 = [](double v) { return tavik::num::Format(v, "0.000"); };
+  SetText("LabelStaName", doc.StationName);
+  SetText("LabelSZ", f3(doc.StationH));
+  SetText("LabelIH", f3(doc.InstrumentHeight));
+  SetText("LabelTZ", f3(doc.TargetHeight));
 }
 
 QLabel* SurveyPanel::AddLabel(QFormLayout* form, const char* name, const QString& caption) {

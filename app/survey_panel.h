@@ -62,6 +62,8 @@ class SurveyPanel : public QDockWidget, public tavik::SurveyWindow {
   bool Blinking() const { return timer3_.isActive(); }
   // Another document or none: no station, no target, no last point.
   void Forget();
+  // The station the document holds, with its heights, as the set-up showed them.
+  void ShowStation();
   // The GPS stake-out's alarm circle round the target mark, in metres; 0 draws none.
   void SetTargetCircle(double metres) { targetRadius_ = metres; }
 

@@ -201,6 +201,7 @@ void DocumentCycle::TakeUp(bool keepMapChanged, bool keepRecent) {
   window_.SetRecentItems(app_.recent.Items);
   // Kept at once, so that a crash before a clean exit does not lose the entry.
   if (keepRecent) WriteRecentList(store_, app_.recent);
+  if (hooks.TakenUp) hooks.TakenUp();
 }
 
 bool DocumentCycle::RefuseWhileChanged() {

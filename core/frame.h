@@ -44,6 +44,9 @@ struct FrameHooks {
   std::function<bool()> CommandRunning;
   // Told of the records done by a load or a save of the document (a progress bar).
   ProgressSink Progress;
+  // A document was taken up (New, Open, recovery): the window shows what it carries
+  // beyond the map, such as the station it was left with.
+  std::function<void()> TakenUp;
 };
 
 // The filters and texts of the file commands.

@@ -23,15 +23,15 @@ void Visit(Ini& s, F&& f) {
   f(s.PortNumber), f(s.BaudRate), f(s.SounderPort), f(s.SounderBaud), f(s.MotionSensorPort);
   f(s.MotionSensorBaud), f(s.ImuAttached), f(s.ImuOffset[0]), f(s.ImuOffset[1]), f(s.ImuOffset[2]);
   f(s.InstrumentHeight), f(s.TargetHeight), f(s.TrajectoryIntervalCm), f(s.MainWindowLoadOption);
-  f(s.EntityDisplayToggle), f(s.AutoNameOn), f(s.AutoNamePrefix), f(s.AutoNameNext), f(s.AutoNameDigits);
-  f(s.DispSetting25), f(s.DxfTextScale), f(s.AreaUnit), f(s.SectionDistanceScale), f(s.SectionOption29);
+  f(s.ShowPointNames), f(s.AutoNameOn), f(s.AutoNamePrefix), f(s.AutoNameNext), f(s.AutoNameDigits);
+  f(s.PointMarkStyle), f(s.DxfTextScale), f(s.AreaUnit), f(s.SectionDistanceScale), f(s.SectionOption29);
   f(s.SectionHeightScale), f(s.SectionSetting31), f(s.SectionSetting32), f(s.CurrentLegend);
   f(s.CadaMeteText1), f(s.CadaMeteText2), f(s.AutoSaveMinutes), f(s.GpsDatum), f(s.CentralMeridian);
-  f(s.ElevationDisplay), f(s.PointFeatureDisplay), f(s.BoatMark), f(s.RecordMode), f(s.RecordInterval);
+  f(s.ElevationDisplay), f(s.TextScale), f(s.BoatMark), f(s.RecordMode), f(s.RecordInterval);
   f(s.RecTypeCheck1), f(s.RecTypeCheck2), f(s.RecTypeCheck3), f(s.RecTypeOption1), f(s.RecTypeOption2);
   f(s.DiffSbas), f(s.CorrectionFormat), f(s.GgaRate), f(s.DiffEgps), f(s.DiffThird), f(s.PushMovesBaseMap);
   f(s.BmSetting55), f(s.BaseMapLineColour), f(s.BaseMapTextColour), f(s.BmSetting58), f(s.BmSetting59);
-  f(s.BmSetting60), f(s.DispSetting61), f(s.DispSetting62), f(s.RefSetting63), f(s.RefSetting64);
+  f(s.BmSetting60), f(s.LineWidthScale), f(s.GridOn), f(s.RefSetting63), f(s.RefSetting64);
   f(s.RefSetting65), f(s.RefColourInUse), f(s.RefRed), f(s.RefGreen), f(s.RefBlue), f(s.FineShiftStep);
   f(s.FineRotationStep), f(s.StakeOption72), f(s.StakeDistance73), f(s.ObservationBookTitle);
 }

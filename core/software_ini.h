@@ -29,12 +29,12 @@ struct SoftwareIni {
   double TargetHeight = 0;                     // 17
   double TrajectoryIntervalCm = 100;           // 18
   bool MainWindowLoadOption = false;           // 19
-  bool EntityDisplayToggle = false;            // 20 shared by Toolbar1 and Toolbar3
+  bool ShowPointNames = true;                  // 20 SwitchPtName, shared by Toolbar1 and Toolbar3
   bool AutoNameOn = false;                     // 21
   std::string AutoNamePrefix;                  // 22
   int16_t AutoNameNext = 1;                    // 23
   int16_t AutoNameDigits = 3;                  // 24
-  int16_t DispSetting25 = 0;                   // 25 FrmDispSetup
+  int16_t PointMarkStyle = 0;                  // 25 FrmDispSetup: 0 a cross at every point, 1 none
   double DxfTextScale = 1;                     // 26
   int16_t AreaUnit = 1;                        // 27 1 m², 2 hectares, 3 ping
   double SectionDistanceScale = 1000;          // 28
@@ -49,7 +49,7 @@ struct SoftwareIni {
   std::string GpsDatum = "TWD97";              // 37
   double CentralMeridian = 121;                // 38 degrees
   int16_t ElevationDisplay = 0;                // 39 FrmDispSetup, drawing elevations
-  float PointFeatureDisplay = 1;               // 40 FrmDispSetup, drawing point features
+  float TextScale = 1;                         // 40 FrmDispSetup: size of the map's texts, a factor
   bool BoatMark = false;                       // 41 InstOptions: boat with heading or plain mark
   std::string RecordMode;                      // 42 "", "Time" or "Dist"
   double RecordInterval = 1;                   // 43
@@ -70,8 +70,8 @@ struct SoftwareIni {
   bool BmSetting58 = false;                    // 58
   bool BmSetting59 = false;                    // 59
   bool BmSetting60 = false;                    // 60
-  double DispSetting61 = 1;                    // 61 FrmDispSetup
-  bool DispSetting62 = false;                  // 62 FrmDispSetup
+  double LineWidthScale = 1;                   // 61 FrmDispSetup: width of every pen, a factor
+  bool GridOn = false;                         // 62 FrmDispSetup: DispGrid
   bool RefSetting63 = false;                   // 63 DlgOpenRef
   bool RefSetting64 = false;                   // 64
   bool RefSetting65 = false;                   // 65

@@ -33,6 +33,8 @@ std::optional<InstOption> OptionForKind(std::string_view kind) {
     return InstOption::Option24;
   if (kind == "Nivo3.M") return InstOption::Option2;
   if (kind == "SET3110M" || kind == "SET3110MV") return InstOption::Option6;
+  // The kind in force at a first start is a SET of the 30R series.
+  if (kind == "SET30R") return InstOption::Opt_030R;
   if (kind == "DX-103" || kind == "iX" || kind == "SX") return InstOption::Option4;
   for (const InstOptionRow& r : InstOptionTable())
     if (*r.kind && kind == r.kind) return r.id;

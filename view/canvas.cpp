@@ -1,5 +1,6 @@
 #include "view/canvas.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace tavik::view {
@@ -60,6 +61,12 @@ void MapCanvas::SetPen(ui::Rgb colour, int width, ui::LineStyle style) {
   penColour = colour;
   penWidth = width;
   penStyle = style;
+  // The width asked for is kept, so that a decoration that takes up its line's pen is
+  // scaled once only.
+  if (display.LineWidthScale != 1) {
+    const double scaled = std::round(width * display.LineWidthScale);
+    width = std::isfinite(scaled) && scaled >= 1 ? static_cast<int>(std::min(scaled, 50.0)) : 1;
+  }
   surface.SetPen(colour, width, style);
 }
 
@@ -131,6 +138,10 @@ void MapCanvas::Arc(double cx, double cy, double r, double a1, double a2) {
 
 void MapCanvas::Text(double x, double y, const std::string& utf8, ui::Rgb colour, int pixelSize) {
   if (utf8.empty() || !Finite(x, y)) return;
+  if (display.TextScale != 1) {
+    const double scaled = std::round(pixelSize * display.TextScale);
+    pixelSize = std::isfinite(scaled) && scaled >= 4 ? static_cast<int>(std::min(scaled, 200.0)) : 4;
+  }
   if (x > clipRight + kMargin || y > clipBottom + kMargin || y < clipTop - 2 * pixelSize ||
       x < clipLeft - 20.0 * pixelSize)
     return;

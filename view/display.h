@@ -28,6 +28,11 @@ struct Display {
   bool VerticalOn = false;    // 垂距開關: every point's height above or below the station
   bool CodesOn = false;       // SwitchSN: the running number of every survey point
 
+  // The display settings (顯示設定): the cross of every survey point, the size of every
+  // map text and the width of every pen as factors of their own, and the paper colour.
+  bool ShowPointMarks = true;
+  double TextScale = 1;
+  double LineWidthScale = 1;
   ui::Rgb Background = ui::MakeRgb(255, 255, 255);
   ui::Rgb PointColour = ui::MakeRgb(255, 0, 0);
   ui::Rgb TextColour = ui::MakeRgb(0, 0, 0);
@@ -38,5 +43,12 @@ struct Display {
   // The matching overlay of the map-matching tools, when on.
   std::function<void()> MatchingOverlay;
 };
+
+// The ranges the display settings offer for the two factors.
+constexpr double MinTextScale = 0.5, MaxTextScale = 4;
+constexpr double MinLineWidthScale = 0.5, MaxLineWidthScale = 5;
+
+// A factor read from a settings file: within its range as it is, anything else 1.
+inline double ScaleOrOne(double v, double lo, double hi) { return v >= lo && v <= hi ? v : 1; }
 
 }  // namespace tavik::view

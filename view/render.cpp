@@ -279,7 +279,9 @@ void DrawBaseMap(MapCanvas& c) {
 
 void DrawPointMark(MapCanvas& c, std::size_t row, double E, double N, bool highlight, bool erase) {
   (void)row;
-  if (!InPaper(c.view, E, N)) return;
+  // With the marks switched off a plain mark is not drawn; a highlighted one still is,
+  // so that a pick shows what it took.
+  if (!InPaper(c.view, E, N) || (!c.display.ShowPointMarks && !highlight && !erase)) return;
   double x, y;
   c.ToPixel(E, N, x, y);
   const ui::Rgb colour = erase ? c.display.Background

@@ -50,6 +50,7 @@ class RememberedSettingsTest : public QObject {
     want.FineShiftStep = "25cm";  // the lists hold only their own texts
     want.FineRotationStep = "10度";
     want.AreaUnit = 3;
+    want.PointMarkStyle = 1;  // the marks are shown or not
     {
       tavik::ui::ScriptedDialogs dialogs;
       Program p(paths, &dialogs);
@@ -122,6 +123,12 @@ class RememberedSettingsTest : public QObject {
       d.BaseMapTextColour = static_cast<tavik::ui::Rgb>(want.BaseMapTextColour);
       d.ReferenceLineColour = tavik::ui::MakeRgb(want.RefRed, want.RefGreen, want.RefBlue);
       d.ReferenceEntityColourOn = want.RefColourInUse ? tavik::kTrue : tavik::kFalse;
+      d.ShowPointNames = want.ShowPointNames ? tavik::kTrue : tavik::kFalse;
+      d.ShowPointMarks = false;
+      d.TextScale = want.TextScale;
+      d.LineWidthScale = want.LineWidthScale;
+      d.GridOn = want.GridOn;
+      d.Background = tavik::ui::MakeRgb(0, 40, 0);
       QVERIFY(p.frm.close());
     }
     tavik::ui::ScriptedDialogs dialogs;
@@ -159,6 +166,9 @@ class RememberedSettingsTest : public QObject {
     QCOMPARE(d.BaseMapLineColour, static_cast<tavik::ui::Rgb>(want.BaseMapLineColour));
     QCOMPARE(d.ReferenceTextColour, tavik::ui::MakeRgb(want.RefRed, want.RefGreen, want.RefBlue));
     QCOMPARE(d.ReferenceEntityColourOn != 0, want.RefColourInUse);
+    QCOMPARE(d.ShowPointMarks, false);
+    QCOMPARE(d.TextScale, 3.0);
+    QCOMPARE(d.Background, tavik::ui::MakeRgb(0, 40, 0));  // kept in the settings store
   }
 };
 

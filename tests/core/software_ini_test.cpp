@@ -65,7 +65,7 @@ TEST_F(SoftwareIniFile, ChangedValuesReadBackExactly) {
   a.BaudRate = 115200;
   a.ImuOffset[1] = -0.1234567890123;
   a.AutoNamePrefix = "碁A";
-  a.PointFeatureDisplay = 0.3f;
+  a.TextScale = 0.3f;
   a.RefColourInUse = false;
   a.ObservationBookTitle = "新北市地政事務所, 戶地";  // a comma inside the quotes
   ASSERT_TRUE(WriteSoftwareIni(f, a));
@@ -73,7 +73,7 @@ TEST_F(SoftwareIniFile, ChangedValuesReadBackExactly) {
   ASSERT_EQ(ReadSoftwareIni(f, b), IniReadResult::Read);
   EXPECT_EQ(SoftwareIniText(b), SoftwareIniText(a));
   EXPECT_EQ(b.ImuOffset[1], a.ImuOffset[1]);
-  EXPECT_EQ(b.PointFeatureDisplay, 0.3f);
+  EXPECT_EQ(b.TextScale, 0.3f);
   EXPECT_EQ(b.AutoNamePrefix, "碁A");
 }
 

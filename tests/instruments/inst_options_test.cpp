@@ -45,6 +45,7 @@ TEST(InstOptions, OptionButtonsStoreTheirKindsAndKindsMarkTheirOption) {
   const std::pair<const char*, InstOption> read[] = {
       {"TCR805power", InstOption::Option24}, {"TCA1100L", InstOption::Option24}, {"FlexLine", InstOption::Option3},
       {"Nivo3.M", InstOption::Option2},      {"SRX", InstOption::Option4},       {"SET_030R", InstOption::Opt_030R},
+      {"SET30R", InstOption::Opt_030R},  // the kind in force at a first start
   };
   for (auto [kind, option] : read) EXPECT_EQ(OptionForKind(kind), option) << kind;
 }
