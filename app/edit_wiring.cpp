@@ -2,6 +2,11 @@
 
 #include <QAction>
 #include <QDialog>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
@@ -20,7 +25,9 @@
 #include "app/legmenu.h"
 #include "app/survey_station.h"
 #include "procedures/observation_pipeline.h"
+#include "core/numbers.h"
 #include "core/tables.h"
+#include "edit/line_edit.h"
 #include "edit/modes.h"
 #include "view/navigation.h"
 #include "view/render.h"
@@ -74,6 +81,14 @@ class EditWiring::WindowHost : public tavik::edit::MapHost {
     w_.program_.frm.Paper1()->setCursor(shape);
   }
   void LegendChanged(int16_t code) override { ShowStatus("目前圖例 " + std::to_string(code)); }
+  void BaseMapChanged() override {
+    MapHost::BaseMapChanged();
+    auto& app = w_.program_.app;
+    app.BaseMapOn = true;
+    w_.display_.ShowBaseMap = tavik::kTrue;
+    w_.program_.frm.EnableBaseMapCommands(true);
+    w_.program_.frm.SetPanel(10, "底圖數目: " + std::to_string(app.doc.BaseMapCount));
+  }
   void ShowInquiry(int32_t row, const std::string& text) override {
     QMenu menu(w_.program_.frm.Paper1());
     for (const QString& line : Q(text).split("\r\n")) menu.addAction(line)->setEnabled(false);
@@ -85,6 +100,12 @@ class EditWiring::WindowHost : public tavik::edit::MapHost {
     QObject::connect(menu.addAction("點名更改"), &QAction::triggered,
                      [&ed] { ed.StartCommand(tavik::edit::mode::PtRename); });
     QObject::connect(menu.addAction("平移複製(OFFSET)"), &QAction::triggered, [&ed, row] { ed.StartOffset(row); });
+    const auto& doc = w_.program_.app.doc;
+    if (row < static_cast<int32_t>(doc.EntityTable.size()) && doc.EntityTable[row].Kind == tavik::KindLine) {
+      QAction* edit = menu.addAction("編輯線段...");
+      edit->setObjectName("InquiryEditLine");
+      QObject::connect(edit, &QAction::triggered, [this, row] { w_.ShowLineEdit(row); });
+    }
     menu.exec(QCursor::pos());
   }
   void FrameCommand(const std::string& key) override { Run(key); }
@@ -307,7 +328,8 @@ void EditWiring::BuildMenus() {
                               {"MainMnuPointProject", "投影到線上", "PointProject"},
                               {"MainMnuQX2Line", "查詢兩線交點", "QX2Line"},
                               {"MainMnuQDis", "查詢距離方位", "QDIS"},
-                              {"MainMnuQArea", "查詢面積", "QAREA"}};
+                              {"MainMnuQArea", "查詢面積", "QAREA"},
+                              {"MainMnuTrim", "兩線修剪延伸", "LineTrim"}};
     edit->addSeparator();
     for (const M& m : items) {
       QAction* a = edit->addAction(QString::fromUtf8(m.caption));
@@ -330,6 +352,24 @@ void EditWiring::BuildMenus() {
     QAction* u = edit->addAction("救回刪除的資料(U)");
     u->setObjectName("MainMnuUndelete");
     connect(u, &QAction::triggered, this, [this] { editor_->Undelete(); });
+    QAction* undo = edit->addAction("復原圖元編輯");
+    undo->setObjectName("MainMnuEditUndo");
+    undo->setShortcut(QKeySequence::Undo);
+    connect(undo, &QAction::triggered, this, [this] { editor_->UndoEdit(); });
+  }
+  // The hand-drawn base map, and points made on base-map lines for the pen to join.
+  if (QMenu* bm = program_.frm.Menu("MainMnuBasemap")) {
+    QAction* draw = new QAction("手繪底圖線", bm);
+    draw->setObjectName("MainMnuBaseLine");
+    bm->insertAction(bm->actions().isEmpty() ? nullptr : bm->actions().first(), draw);
+    connect(draw, &QAction::triggered, this, [this] { editor_->StartCommand(tavik::edit::mode::BaseLine); });
+  }
+  for (const auto& [name, mode] : {std::pair{"BMLockLineCPnt", tavik::edit::mode::BM_MakeP},
+                                   std::pair{"BMLockXLineCPnt", tavik::edit::mode::BM_XLineMakeP}}) {
+    if (QAction* a = program_.frm.Command(name)) {
+      a->setVisible(true);
+      connect(a, &QAction::triggered, this, [this, m = mode] { editor_->StartCommand(m); });
+    }
   }
   QMenu* setup = program_.frm.Menu("MainMnuSetup");
   if (setup) {
@@ -347,6 +387,50 @@ void EditWiring::BuildMenus() {
     a->setObjectName("MainMnuHotKeys");
     connect(a, &QAction::triggered, this, [this] { ShowHotKeys(); });
   }
+}
+
+void EditWiring::ShowLineEdit(int32_t row) {
+  auto& doc = program_.app.doc;
+  if (row < 0 || row >= static_cast<int32_t>(doc.EntityTable.size())) return;
+  const tavik::edit::Editor::LineEditValues shown = editor_->LineEditText(row);
+  QDialog dlg(&program_.frm);
+  dlg.setObjectName("LineEdit");
+  dlg.setWindowTitle(tavik::edit::LineEditTitle);
+  auto* form = new QFormLayout(&dlg);
+  const tavik::Entity& e = doc.EntityTable[row];
+  auto at = [](double E, double N) {
+    return Q("E " + tavik::num::Format(E, "0.000") + "   N " + tavik::num::Format(N, "0.000"));
+  };
+  form->addRow("起點(不動):", new QLabel(at(e.X[0], e.Y[0]), &dlg));
+  auto* endLabel = new QLabel(at(e.X[1], e.Y[1]), &dlg);
+  form->addRow("終點:", endLabel);
+  auto field = [&](const char* name, const char* caption, const std::string& value) {
+    auto* f = new QLineEdit(Q(value), &dlg);
+    f->setObjectName(name);
+    form->addRow(caption, f);
+    return f;
+  };
+  QLineEdit* length = field("LineLength", "長度(m):", shown.Length);
+  QLineEdit* azimuth = field("LineAzimuth", "方位角(度-分-秒):", shown.Azimuth);
+  QLineEdit* name = field("LineName", "名稱:", shown.Name);
+  QLineEdit* code = field("LineCode", "圖例代碼:", shown.Code);
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &dlg);
+  buttons->button(QDialogButtonBox::Ok)->setText("確定");
+  buttons->button(QDialogButtonBox::Cancel)->setText("取消");
+  form->addRow(buttons);
+  connect(buttons, &QDialogButtonBox::rejected, &dlg, &QDialog::reject);
+  connect(buttons, &QDialogButtonBox::accepted, &dlg, [&] {
+    const std::string refused = editor_->EditLine(
+        row, {length->text().toStdString(), azimuth->text().toStdString(), name->text().toStdString(),
+              code->text().toStdString()});
+    if (!refused.empty()) {
+      program_.dialogs.MsgBox(refused, tavik::edit::LineEditTitle);
+      return;
+    }
+    dlg.accept();
+  });
+  dlg.exec();
+  program_.frm.Paper1()->update();
 }
 
 void EditWiring::ShowHotKeys() {

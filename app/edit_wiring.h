@@ -78,6 +78,8 @@ class EditWiring : public QObject {
   QToolBar* Toolbar2() const { return toolbar2_; }
   // The window "快捷鍵速覽".
   void ShowHotKeys();
+  // The line-edit popup "編輯線段" for the line at that row of EntityTable.
+  void ShowLineEdit(int32_t row);
   // What the Toolbar1 buttons of other parts of the program do, by key ("連接COM1",
   // "接收資料", "輸入座標" ...), and "Measure" for the Space key. New, Open and the quick
   // save are set here; a key with no entry does nothing.

@@ -162,6 +162,10 @@ bool WorkFiles::AppendEntityWorkFile(const Entity& e) {
   return ok;
 }
 
+bool WorkFiles::AppendBaseMapWorkFile(const BaseMapLine& b) {
+  return io::AppendDurably(paths_.TempBM(), FileLine(BaseMapWorkLine(b)));
+}
+
 bool WorkFiles::WritePointWorkFile(const Document& doc) {
   EnsureBothJournals();
   bool ok = io::ReplaceDurably(paths_.TempP0(), AllLines(doc.PointTable, doc.PointCount, PointWorkLine));

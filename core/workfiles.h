@@ -33,6 +33,8 @@ class WorkFiles {
   // lost for want of an entity.
   bool AppendPointWorkFile(const Point& p);
   bool AppendEntityWorkFile(const Entity& e);
+  // One base-map record drawn by hand, appended to TEMPBM.
+  bool AppendBaseMapWorkFile(const BaseMapLine& b);
 
   // The whole file rewritten from the table, deleted rows included with their flag.
   bool WritePointWorkFile(const Document& doc);

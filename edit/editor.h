@@ -75,6 +75,8 @@ class EditHost {
   virtual void ModeChanged(const std::string& /*mode*/) {}
   // The legend in force changed (the legend button shows it).
   virtual void LegendChanged(int16_t /*code*/) {}
+  // The base map grew by lines drawn by hand: it is shown, and its commands are there.
+  virtual void BaseMapChanged() {}
 
   // Commands that belong to the frame and the instruments.
   virtual void FrameCommand(const std::string& /*key*/) {}  // 開新圖, 開啟舊圖, 快速存檔, Save (F2), ...
@@ -200,6 +202,27 @@ class Editor {
   bool Undelete();
   bool DeleteLastPoint();
   std::string InquiryText(int32_t row) const;
+
+  // Pairwise trimming: both lines cut or extended to the crossing of their lines, each
+  // keeping the part on the side where it was picked. False (nothing changed) for a line
+  // of the reference map, parallel lines (each with its message) or lines already
+  // meeting at their ends.
+  bool TrimLines(int32_t rowA, double pickAE, double pickAN, int32_t rowB, double pickBE, double pickBN);
+  // The line-edit popup: the values of a line as text, and the typed values applied.
+  // The start stays: a new length moves the end along the line, a new azimuth turns
+  // the line about its start. "" when done (or nothing changed), else the refusal.
+  struct LineEditValues {
+    std::string Length, Azimuth, Name, Code;
+  };
+  LineEditValues LineEditText(int32_t row) const;
+  std::string EditLine(int32_t row, const LineEditValues& typed);
+  // One step back over the last trim or line edit.
+  bool UndoEdit();
+  // What each trim or line edit replaced, newest last.
+  std::vector<std::vector<Entity>> EditHistory;
+
+  // The hand-drawn base map: a line of BaseMapTable (Code 299) appended and journalled.
+  void AddBaseMapLine(double E1, double N1, double E2, double N2);
   // OFFSET from the inquiry popup: asks the distance for the copy of that line, then the
   // next click gives the side.
   void StartOffset(int32_t row);
@@ -269,6 +292,11 @@ class Editor {
 
   // pick.cpp
   PickHit PickPoint(float x, float y, float side) const;
+  // The base-map record under a box of half-side `half` pixels, from the first row; -1
+  // for none.
+  int32_t PickBaseMapRow(float x, float y, float half, std::initializer_list<int16_t> kinds) const;
+  // A vertex of a base-map line within a square of `side` pixels.
+  PickHit PickBaseMapVertex(float x, float y, float side) const;
   // The entity under a box of half-side `half` pixels about the pointer, newest first,
   // then the base map when asked: its row, or -1. `kinds` lists the kinds that count
   // (empty: all).
@@ -281,6 +309,8 @@ class Editor {
   bool ShapeChecks(ShapeBuffer& b);
   void MarkPick(double E, double N);
   void ChainPick(const PickHit& p);
+  // A line of the chain: an entity of the legend in force, or in BaseLine a base-map line.
+  void ChainLine(double E1, double N1, double H1, double E2, double N2, double H2);
   int32_t NewEntity(int16_t code, int16_t kind, double X1, double Y1, double Z1, double X2, double Y2,
                     double Z2, double X3, double Y3, double Z3, const std::string& name);
   void AreaLabel(double E, double N, double area);
@@ -315,6 +345,14 @@ class Editor {
   void LeadPointPick(const PickHit& p);
   void QueryDistancePick(const PickHit& p);
   void QueryAreaEnd();
+
+  // line_edit.cpp
+  bool EditableLine(int32_t row) const;
+  void RowsEdited(const std::vector<Entity>& before);
+  void TrimPick(float x, float y, double E, double N);
+
+  // base_map.cpp
+  void BaseMapPick(const std::string& mode, float x, float y, double E, double N);
 
   // entity_edit.cpp
   void EditPick(const std::string& mode, float x, float y, double E, double N);

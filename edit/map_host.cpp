@@ -28,6 +28,8 @@ void MapHost::DrawPointRow(int32_t row, bool highlight) {
   view::DrawPointMark(canvas_, static_cast<std::size_t>(row), p.E, p.N, highlight);
 }
 
+void MapHost::BaseMapChanged() { canvas_.display.ShowBaseMap = kTrue; }
+
 void MapHost::ViewCommand(const std::string& key) {
   if (key == "ZE")
     view::ZE(canvas_);

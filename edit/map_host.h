@@ -24,6 +24,8 @@ class MapHost : public EditHost {
   void DrawEntityRow(int32_t row) override;
   void DrawPointRow(int32_t row, bool highlight) override;
   void ViewCommand(const std::string& key) override;
+  // Lines drawn into the base map are drawn from then on.
+  void BaseMapChanged() override;
 
   view::MapCanvas& Canvas() { return canvas_; }
 

@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "edit/line_edit.h"
+
 namespace tavik::edit {
 
 namespace {
@@ -25,12 +27,11 @@ bool IsConstructionMode(std::string_view m) {
 }
 
 bool IsPluggedMode(std::string_view m) {
-  static constexpr std::array<std::string_view, 27> set{
-      "MapMoveFree", "MapRotateFree", "MatchRotFixP", "BaseRotFixP",   "MatchRotStep", "MatchSftStep",
-      "MapMoveP",    "MapMoveCoordPos", "MapMoveLine", "MapMoveByLine2", "MapMoveBmByP", "BaseMoveBmByP",
-      "BaseLine",    "BM_MakeP",      "BM_XLineMakeP", "BMEraseWindow", "FIT",          "FIT2",
-      "PickCoord",   "RESECT_BS",     "STKOUT",        "GPSSTKOUT",     "BasePt",       "LD",
-      "LD_Opt6",     "LD_Opt7",       "LD_Opt8"};
+  static constexpr std::array<std::string_view, 24> set{
+      "MapMoveFree",   "MapRotateFree", "MatchRotFixP", "BaseRotFixP",     "MatchRotStep", "MatchSftStep",
+      "MapMoveP",      "MapMoveCoordPos", "MapMoveLine", "MapMoveByLine2", "MapMoveBmByP", "BaseMoveBmByP",
+      "BMEraseWindow", "FIT",           "FIT2",         "PickCoord",       "RESECT_BS",    "STKOUT",
+      "GPSSTKOUT",     "BasePt",        "LD",           "LD_Opt6",         "LD_Opt7",      "LD_Opt8"};
   return In(m, set);
 }
 
@@ -65,6 +66,7 @@ std::string PromptOf(std::string_view m) {
   for (const auto& p : prompts)
     if (p.mode == m) return std::string(p.prompt);
   if (m == "QX2Line" || m == "QX2LineMark") return "請點選交點位置";
+  if (m == "LineTrim") return TrimFirstPrompt;
   if (m == "SS1") return "請點選引點的起點";
   if (m == "LD" || m == "LD_Opt6" || m == "LD_Opt7" || m == "LD_Opt8") return "請圈選分割土地範圍";
   return "";

@@ -23,6 +23,8 @@ inline const std::string EraseWindow = "EraseWindow";
 inline const std::string ChangeAtt = "ChangeAtt";
 inline const std::string PtRename = "PtRename";
 inline const std::string OFFSET = "OFFSET";
+// Two lines cut or extended to their crossing.
+inline const std::string LineTrim = "LineTrim";
 
 // Inquiries and new-point constructions.
 inline const std::string QDIS = "QDIS";

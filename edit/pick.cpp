@@ -163,6 +163,29 @@ int32_t Editor::PickEntityRow(float x, float y, float half, std::initializer_lis
   return -1;
 }
 
+int32_t Editor::PickBaseMapRow(float x, float y, float half, std::initializer_list<int16_t> kinds) const {
+  const Box box = PixelBox(doc, view, x, y, half);
+  const int32_t baseRows = std::min<int32_t>(doc.BaseMapCount, static_cast<int32_t>(doc.BaseMapTable.size()));
+  for (int32_t i = 0; i < baseRows; ++i) {
+    const BaseMapLine& b = doc.BaseMapTable[i];
+    if (b.Kind == KindPoint || std::find(kinds.begin(), kinds.end(), b.Kind) == kinds.end()) continue;
+    if (RecordHit(b, box)) return i;
+  }
+  return -1;
+}
+
+PickHit Editor::PickBaseMapVertex(float x, float y, float side) const {
+  const Box box = PixelBox(doc, view, x - 1.0, y - 1.0, side / 2.0);
+  const int32_t baseRows = std::min<int32_t>(doc.BaseMapCount, static_cast<int32_t>(doc.BaseMapTable.size()));
+  for (int32_t i = 0; i < baseRows; ++i) {
+    const BaseMapLine& b = doc.BaseMapTable[i];
+    if (b.Kind != KindLine && b.Kind != KindArc3) continue;
+    for (int v = 0; v < UsedVertices(b.Kind); ++v)
+      if (box.Has(b.X[v], b.Y[v])) return {true, b.X[v], b.Y[v], b.Z[v]};
+  }
+  return {};
+}
+
 std::vector<Editor::PickedLine> Editor::LinesInWindow(double E1, double N1, double E2, double N2) const {
   const Box box{std::min(E1, E2), std::min(N1, N2), std::max(E1, E2), std::max(N1, N2)};
   std::vector<PickedLine> lines;

@@ -64,6 +64,7 @@ void Editor::Reset() {
   PickStep = 0;
   PendingRow = -1;
   LastFoot = Foot{};  // no height carries over from another document
+  EditHistory.clear();  // the rows it names are renumbered by a save or gone with the document
   host.SetPrompt("");
   host.SetCursor(Cursor::Arrow);
   host.ModeChanged("");
@@ -239,7 +240,7 @@ void Editor::SetCursorForMode() {
     host.SetCursor(Cursor::Pan);
   else if (IsWindowMode(m))
     host.SetCursor(Cursor::Window);
-  else if (IsDrawingMode(m))
+  else if (IsDrawingMode(m) || m == mode::BaseLine)
     host.SetCursor(Cursor::Draw);
   else
     host.SetCursor(Cursor::Pick);
@@ -302,6 +303,10 @@ void Editor::PressInMode(int button, double E, double N, float x, float y) {
     LeadPointPick(PickPoint(x, y, 20));
   } else if (m == mode::ChangeAtt || m == mode::PtRename || m == mode::OFFSET) {
     EditPick(m, x, y, E, N);
+  } else if (m == mode::LineTrim) {
+    TrimPick(x, y, E, N);
+  } else if (m == mode::BaseLine || m == mode::BM_MakeP || m == mode::BM_XLineMakeP) {
+    BaseMapPick(m, x, y, E, N);
   } else if (IsPluggedMode(m)) {
     host.Plugged(m, PlugEvent::Press, E, N);
   }

@@ -243,8 +243,7 @@ void Editor::ChainPick(const PickHit& p) {
     const double lE = Ptr.ChainPoints[0][k], lN = Ptr.ChainPoints[1][k], lH = Ptr.ChainPoints[2][k];
     if (std::hypot(p.E - lE, p.N - lN) < MinSeparation) return;
     EraseBand();
-    AddLine(lE, lN, lH, p.E, p.N, p.H);
-    Ptr.ChainRows.push_back(doc.EntityCount - 1);
+    ChainLine(lE, lN, lH, p.E, p.N, p.H);
   } else {
     Ptr.LineInProgress = kTrue;
     Ptr.ChainCount = 0;
@@ -256,6 +255,15 @@ void Editor::ChainPick(const PickHit& p) {
   Ptr.ChainPoints[1].push_back(p.N);
   Ptr.ChainPoints[2].push_back(p.H);
   ++Ptr.ChainCount;
+}
+
+void Editor::ChainLine(double E1, double N1, double H1, double E2, double N2, double H2) {
+  if (Ptr.ActionMode == mode::BaseLine) {
+    AddBaseMapLine(E1, N1, E2, N2);
+    return;
+  }
+  AddLine(E1, N1, H1, E2, N2, H2);
+  Ptr.ChainRows.push_back(doc.EntityCount - 1);
 }
 
 void Editor::EndChain() {
@@ -282,9 +290,8 @@ void Editor::CloseChain() {
   if (Ptr.ChainCount >= 3) {
     EraseBand();
     const int k = Ptr.ChainCount - 1;
-    AddLine(Ptr.ChainPoints[0][k], Ptr.ChainPoints[1][k], Ptr.ChainPoints[2][k], Ptr.ChainPoints[0][0],
-            Ptr.ChainPoints[1][0], Ptr.ChainPoints[2][0]);
-    Ptr.ChainRows.push_back(doc.EntityCount - 1);
+    ChainLine(Ptr.ChainPoints[0][k], Ptr.ChainPoints[1][k], Ptr.ChainPoints[2][k], Ptr.ChainPoints[0][0],
+              Ptr.ChainPoints[1][0], Ptr.ChainPoints[2][0]);
   }
   EndChain();
 }
