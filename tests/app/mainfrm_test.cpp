@@ -72,18 +72,19 @@ class MainFrmTest : public QObject {
     p.app.paths.EnsureFolders();
     p.Start();
     QCOMPARE(p.frm.windowTitle(), QString("TAVIK"));
-    // The base maps have nothing to offer yet and stay out of the bar; every menu shown
-    // offers at least one item.
+    // Every menu shown offers at least one item.
     QCOMPARE(MenuCaptions(p.frm.menuBar()), QStringList({"檔案(&F)", "測量(&M)", "編輯(&E)", "檢視(&V)", "匯入(&I)",
-                                                         "匯出(&X)", "工具(&U)", "設定(&T)", "收工(&D)"}));
+                                                         "匯出(&X)", "工具(&U)", "底圖(&B)", "設定(&T)", "收工(&D)"}));
     for (QAction* m : p.frm.menuBar()->actions()) {
       if (!m->isVisible()) continue;
       int items = 0;
       for (QAction* a : m->menu()->actions()) items += a->isVisible() && !a->isSeparator();
       QVERIFY2(items > 0, qPrintable(m->text()));
     }
-    for (const char* bm : {"BMEraseWindow", "BMLockLineCPnt", "BMLockXLineCPnt", "BMRemove", "BmDispSetup"})
-      QVERIFY2(!p.frm.Command(bm)->isVisible(), bm);
+    for (const char* bm : {"BMEraseWindow", "BMRemove", "BmDispSetup"}) QVERIFY2(!p.frm.Command(bm)->isVisible(), bm);
+    // The points on base-map lines are offered, and wait for a base map.
+    for (const char* bm : {"BMLockLineCPnt", "BMLockXLineCPnt"})
+      QVERIFY2(p.frm.Command(bm)->isVisible() && !p.frm.Command(bm)->isEnabled(), bm);
     QVERIFY(p.frm.findChild<QAction*>("ImportOBS"));
     QCOMPARE(p.frm.findChild<QAction*>("ImportOBS")->parent(), p.frm.Menu("MainMnuImport"));
     const std::pair<const char*, const char*> file[] = {
