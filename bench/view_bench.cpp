@@ -4,10 +4,13 @@
 // screen tables (through the spatial index, against the plain walk of every row in the
 // same run, and the index's grid against an R-tree over the same boxes), and a pick over
 // the screen tables. The counting surface only counts what it is asked to draw (the map
-// view's own work); the image surface is Paper1's own picture, rasterised by Qt.
+// view's own work); the image surface is Paper1's own picture, rasterised by Qt. The
+// references in the same run: the repaint walking every row, and a picture surface that
+// opens a painter for every figure, as Paper1's did before it kept one open.
 #include <benchmark/benchmark.h>
 
 #include <QGuiApplication>
+#include <QPainter>
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
@@ -333,35 +336,98 @@ void BM_GridQuery500(benchmark::State& state) {
   state.counters["candidates"] = static_cast<double>(rows.size());
 }
 
+// Paper1's picture as it was drawn before it kept one painter open: a painter for
+// every figure. Only the reference for the figures below.
+class PainterPerFigureSurface : public ui::Surface {
+ public:
+  explicit PainterPerFigureSurface(QImage& image) : image_(image) { pen_.setCosmetic(true); }
+  void Clear(ui::Rgb c) override { image_.fill(ui::ImageSurface::ToQColor(c)); }
+  void SetPen(ui::Rgb c, int width, ui::LineStyle) override {
+    pen_.setColor(ui::ImageSurface::ToQColor(c));
+    pen_.setWidth(std::max(1, width));
+  }
+  void SetDrawMode(ui::DrawMode) override {}
+  void SetFill(bool filled, ui::Rgb c) override { brush_ = filled ? QBrush(ui::ImageSurface::ToQColor(c)) : QBrush(); }
+  void Line(float x1, float y1, float x2, float y2) override {
+    QPainter p(&image_);
+    p.setPen(pen_);
+    p.drawLine(QPointF(x1, y1), QPointF(x2, y2));
+  }
+  void Circle(float cx, float cy, float r) override {
+    QPainter p(&image_);
+    p.setPen(pen_);
+    p.setBrush(brush_);
+    p.drawEllipse(QPointF(cx, cy), r, r);
+  }
+  void Arc(float cx, float cy, float r, double a1, double a2) override {
+    QPainter p(&image_);
+    p.setPen(pen_);
+    p.drawArc(QRectF(cx - r, cy - r, 2 * r, 2 * r), static_cast<int>(a1 * 180 / 3.14159265358979 * 16),
+              static_cast<int>((a2 - a1) * 180 / 3.14159265358979 * 16));
+  }
+  void SetPixel(float x, float y, ui::Rgb c) override {
+    if (image_.rect().contains(static_cast<int>(x), static_cast<int>(y)))
+      image_.setPixel(static_cast<int>(x), static_cast<int>(y), ui::ImageSurface::ToQColor(c).rgb());
+  }
+  void Text(float x, float y, const std::string& utf8, ui::Rgb c, int pixelSize) override {
+    QPainter p(&image_);
+    p.setPen(ui::ImageSurface::ToQColor(c));
+    QFont f = font_;
+    f.setPixelSize(pixelSize);
+    p.setFont(f);
+    p.drawText(QRectF(x, y, 1e5, 1e5), Qt::AlignLeft | Qt::AlignTop | Qt::TextDontClip, QString::fromStdString(utf8));
+  }
+  float Width() const override { return static_cast<float>(image_.width()); }
+  float Height() const override { return static_cast<float>(image_.height()); }
+
+ private:
+  QImage& image_;
+  QPen pen_;
+  QBrush brush_;
+  QFont font_{"WenQuanYi Zen Hei"};
+};
+
+// The program's way (the index, one painter) or the reference (every row, a painter per
+// figure).
+enum class Way { Program, Reference };
+
 // The repaint into Paper1's own picture (Qt's raster engine), the size of a tablet's
 // screen.
-void RepaintImage(benchmark::State& state, bool whole) {
+void RepaintImage(benchmark::State& state, bool whole, Way way) {
   LargeSurvey& s = Survey();
   whole ? s.WholeExtent() : s.Middle500();
   view::Display display;
   ui::ImageSurface image(1024, 768);
-  view::OffsetSurface surface(image, -1.5f * 1024, -1.5f * 768);  // the visible area, as the program keeps it
+  QImage plain(1024, 768, QImage::Format_RGB32);
+  PainterPerFigureSurface perFigure(plain);
+  ui::Surface& target = way == Way::Program ? static_cast<ui::Surface&>(image) : perFigure;
+  view::OffsetSurface surface(target, -1.5f * 1024, -1.5f * 768);  // the visible area, as the program keeps it
   ui::ScriptedDialogs dialogs;
   view::MapCanvas canvas(s.doc, s.view, display, surface, view::SilentUi(), dialogs);
   canvas.visibleOnly = true;
   canvas.ResetClip();
   for (auto _ : state) {
-    view::RedrawAll(canvas);
+    view::RedrawAll(canvas, way == Way::Program ? view::RowWalk::Indexed : view::RowWalk::Every);
     benchmark::DoNotOptimize(image.Image().constBits());
   }
 }
-void BM_RedrawAllImageWholeExtent(benchmark::State& state) { RepaintImage(state, true); }
-void BM_RedrawAllImage500Middle(benchmark::State& state) { RepaintImage(state, false); }
+void BM_RedrawAllImageWholeExtent(benchmark::State& state) { RepaintImage(state, true, Way::Program); }
+void BM_RedrawAllImage500Middle(benchmark::State& state) { RepaintImage(state, false, Way::Program); }
+void BM_RedrawAllImage500MiddleReference(benchmark::State& state) { RepaintImage(state, false, Way::Reference); }
 
 // A complete view change at 1 : 500 into the picture: pan by half a screen, zoom in,
 // zoom out, each with its whole tail (view, repaint, both screen tables, recovery
-// header). The time is per change.
-void BM_ViewChange500(benchmark::State& state) {
+// header). The time is per change. The reference runs the same tail with the repaint of
+// every row on the painter-per-figure surface.
+void ViewChange(benchmark::State& state, Way way) {
   LargeSurvey& s = Survey();
   s.Middle500();
   view::Display display;
   ui::ImageSurface image(1024, 768);
-  view::OffsetSurface surface(image, -1.5f * 1024, -1.5f * 768);
+  QImage plain(1024, 768, QImage::Format_RGB32);
+  PainterPerFigureSurface perFigure(plain);
+  ui::Surface& target = way == Way::Program ? static_cast<ui::Surface&>(image) : perFigure;
+  view::OffsetSurface surface(target, -1.5f * 1024, -1.5f * 768);
   ui::ScriptedDialogs dialogs;
   const fs::path home = fs::temp_directory_path() / "tavik-view-bench";
   fs::create_directories(home);
@@ -374,24 +440,60 @@ void BM_ViewChange500(benchmark::State& state) {
   canvas.WriteRecoveryHeader = [&] { wf.WriteRecoveryHeader(s.doc); };
   canvas.visibleOnly = true;
   canvas.RebuildScreenTables();
+  auto tail = [&] {
+    if (way == Way::Program) return view::AfterViewChange(canvas);
+    view::ComputeView(s.doc, s.view);
+    canvas.ResetClip();
+    view::RedrawAll(canvas, view::RowWalk::Every);
+    canvas.RebuildScreenTables();
+    canvas.WriteRecoveryHeader();
+  };
   int step = 0;
   for (auto _ : state) {
     switch (step++ % 4) {
       case 0:
       case 2: {
-        view::PanDrag pan;
-        const float dx = step % 4 == 1 ? 512.f : -512.f;
-        view::PanStart(canvas, pan, 512, 384);
-        view::PanMove(canvas, pan, 512 + dx, 384);
-        view::PanEnd(canvas, pan);
+        // Half a screen one way, then back.
+        s.doc.ViewCentreE += (step % 4 == 1 ? -512 : 512) / canvas.PixelsPerMetre();
+        tail();
         break;
       }
-      case 1: view::ZoomIn(canvas); break;
-      default: view::ZoomOut(canvas); break;
+      case 1: s.doc.ScaleDenominator *= 0.75; tail(); break;
+      default: s.doc.ScaleDenominator /= 0.75; tail(); break;
     }
   }
   std::error_code ec;
   fs::remove_all(home, ec);
+}
+void BM_ViewChange500(benchmark::State& state) { ViewChange(state, Way::Program); }
+void BM_ViewChange500Reference(benchmark::State& state) { ViewChange(state, Way::Reference); }
+
+// One frame of a drag pan: the centre follows the pointer and Paper1's window shows the
+// picture moved (the screen's own copy of the window filled and the picture laid on it),
+// with nothing redrawn; at 60 frames a second a frame may take 16.7 ms.
+void BM_DragPanFrame(benchmark::State& state) {
+  LargeSurvey& s = Survey();
+  s.Middle500();
+  view::Display display;
+  ui::ImageSurface image(1024, 768);
+  view::OffsetSurface surface(image, -1.5f * 1024, -1.5f * 768);
+  ui::ScriptedDialogs dialogs;
+  view::MapCanvas canvas(s.doc, s.view, display, surface, view::SilentUi(), dialogs);
+  canvas.visibleOnly = true;
+  canvas.ResetClip();
+  view::RedrawAll(canvas);
+  QImage window(1024, 768, QImage::Format_RGB32);
+  view::PanDrag pan;
+  view::PanStart(canvas, pan, 512, 384);
+  int dx = 0;
+  for (auto _ : state) {
+    dx = (dx + 7) % 300;
+    view::PanMove(canvas, pan, 512.f + static_cast<float>(dx), 384);
+    QPainter p(&window);
+    p.fillRect(window.rect(), Qt::white);
+    p.drawImage(dx, 0, image.Image());
+  }
+  view::PanEnd(canvas, pan);
 }
 
 BENCHMARK(BM_RedrawAllWholeExtent)->Unit(benchmark::kMillisecond);
@@ -407,7 +509,10 @@ BENCHMARK(BM_GridQuery500)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_RTreeQuery500)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_RedrawAllImageWholeExtent)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_RedrawAllImage500Middle)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RedrawAllImage500MiddleReference)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ViewChange500)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ViewChange500Reference)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_DragPanFrame)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PickScreenTables500)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_PickScreenTablesWholeExtent)->Unit(benchmark::kMillisecond);
 

@@ -1,6 +1,7 @@
 #include "view/render.h"
 
 #include <cmath>
+#include <vector>
 
 #include "core/numbers.h"
 #include "core/text.h"
@@ -8,6 +9,7 @@
 #include "view/arc_geometry.h"
 #include "view/decorations.h"
 #include "view/legends.h"
+#include "view/screen_tables.h"
 #include "view/symbols.h"
 #include "view/transform.h"
 
@@ -16,8 +18,11 @@ namespace {
 
 constexpr ui::Rgb kHighlight = ui::MakeRgb(0, 0, 255);
 constexpr ui::Rgb kStation = ui::MakeRgb(255, 0, 0);
-// Room left around the paper for symbols and names that reach beyond their point.
+// Room left around the paper for symbols and names that reach beyond their point. The
+// repaint asks the spatial index for the rows within the widest of these (see
+// DrawnAreaReach).
 constexpr double kSymbolReach = 24, kNameReach = 300;
+static_assert(kNameReach >= kSymbolReach);
 
 bool IsBreakLine(int code) { return code == 513 || code == 514 || code == 515 || code == 520 || code == 521; }
 
@@ -359,11 +364,26 @@ void DrawScaleBar(MapCanvas& c) {
   c.Text(x0 + length + 5, y0 - 7, ScaleBarLabel(scale), ScaleBarColour, 12);
 }
 
-void DrawPointHeights(MapCanvas& c) {
+namespace {
+
+// Calls f(row) for the given rows, or for every row of a table of n when there is no
+// list; a row the table no longer holds is passed over.
+template <class F>
+void ForRows(const std::vector<int32_t>* rows, std::size_t n, F f) {
+  if (rows == nullptr) {
+    for (std::size_t i = 0; i < n; ++i) f(i);
+    return;
+  }
+  for (int32_t i : *rows)
+    if (static_cast<std::size_t>(i) < n) f(static_cast<std::size_t>(i));
+}
+
+void PointHeights(MapCanvas& c, const std::vector<int32_t>* rows) {
   const Document& d = c.doc;
   const bool vertical = c.display.VerticalOn && d.StationSet && std::isfinite(d.StationH);
-  for (const Point& p : d.PointTable) {
-    if (p.Deleted || p.H == NoHeight || !std::isfinite(p.H) || !InPaper(c.view, p.E, p.N)) continue;
+  ForRows(rows, d.PointTable.size(), [&](std::size_t i) {
+    const Point& p = d.PointTable[i];
+    if (p.Deleted || p.H == NoHeight || !std::isfinite(p.H) || !InPaper(c.view, p.E, p.N)) return;
     double x, y;
     c.ToPixel(p.E, p.N, x, y);
     if (c.display.ElevationsOn) c.Text(x + 6, y - 5 - HeightTextSize, num::Format(p.H, "0.000"), HeightColour, HeightTextSize);
@@ -371,37 +391,78 @@ void DrawPointHeights(MapCanvas& c) {
       const double dh = p.H - d.StationH;
       c.Text(x + 6, y + 8, (dh >= 0 ? "+" : "") + num::Format(dh, "0.000"), VerticalColour, HeightTextSize);
     }
-  }
+  });
 }
 
-void DrawRunningNumbers(MapCanvas& c) {
-  for (const Point& p : c.doc.PointTable) {
-    if (p.Deleted || !InPaper(c.view, p.E, p.N)) continue;
+void RunningNumbers(MapCanvas& c, const std::vector<int32_t>* rows) {
+  ForRows(rows, c.doc.PointTable.size(), [&](std::size_t i) {
+    const Point& p = c.doc.PointTable[i];
+    if (p.Deleted || !InPaper(c.view, p.E, p.N)) return;
     double x, y;
     c.ToPixel(p.E, p.N, x, y);
     const std::string number = std::to_string(p.Number);
     // To the left of the cross, clear of the name and the height on its right.
     c.Text(x - 6 - 6.0 * static_cast<double>(number.size()), y - 5 - 10, number, RunningNumberColour, 10);
-  }
+  });
 }
 
-void RedrawAll(MapCanvas& c) {
+// The world box a repaint takes its rows from: whatever a row left out could draw lies
+// off the area drawn into (the canvas's clip). Each routine's own test lets a row through
+// within its reach of the paper, and what it then draws stays near the box that test
+// looks at: within kNameReach pixels (symbols, ticks, and the start of any text: the
+// canvas drops a text that starts further left than 20 sizes, and a text runs only to
+// the right and down from its start) and a metre and a half (the styles drawn in world
+// units: a wall's other face, the dashes a metre outside a dirt road's circle). Not a
+// box when the view is not a number.
+constexpr double kWorldReach = 1.5;
+
+Box DrawnAreaReach(const MapCanvas& c) {
+  const double ppm = c.PixelsPerMetre();
+  const double m = (kNameReach + 1) / ppm + kWorldReach;
+  const View& v = c.view;
+  return {v.PaperMinE + c.clipLeft / ppm - m, v.PaperMaxN - c.clipBottom / ppm - m, v.PaperMinE + c.clipRight / ppm + m,
+          v.PaperMaxN - c.clipTop / ppm + m};
+}
+
+}  // namespace
+
+void DrawPointHeights(MapCanvas& c) { PointHeights(c, nullptr); }
+
+void DrawRunningNumbers(MapCanvas& c) { RunningNumbers(c, nullptr); }
+
+void RedrawAll(MapCanvas& c, RowWalk walk) {
   Document& d = c.doc;
   c.ui.StopLiveMarker();
   c.surface.SetDrawMode(ui::DrawMode::Copy);
   c.surface.SetFill(false, 0);
   c.surface.Clear(c.display.Background);
   c.penKnown = false;
-  DrawEntities(c);
+  // On a large map most rows lie far off the area drawn: the spatial index gives the
+  // rows that may reach it, in row order, and each is drawn with its own tests as the
+  // walk of every row would draw it, so the picture is the same.
+  std::vector<int32_t> entityRows, pointRows;
+  const std::vector<int32_t>*entities = nullptr, *points = nullptr;
+  const Box near = DrawnAreaReach(c);
+  if (walk == RowWalk::Indexed && near.MinE <= near.MaxE && near.MinN <= near.MaxN) {
+    if (EntityRowsNear(d, near, entityRows)) entities = &entityRows;
+    if (PointRowsNear(d, near, pointRows)) points = &pointRows;
+  }
+  // The size is read again for every row: a message shown on the way may let the
+  // tables change.
+  if (entities == nullptr)
+    DrawEntities(c);
+  else
+    for (int32_t row : *entities)
+      if (static_cast<std::size_t>(row) < d.EntityTable.size()) DrawEntityRow(c, static_cast<std::size_t>(row));
   if (d.BaseMapCount != 0 && c.display.ShowBaseMap) DrawBaseMap(c);
-  for (std::size_t i = 0; i < d.PointTable.size(); ++i) {
+  ForRows(points, d.PointTable.size(), [&](std::size_t i) {
     const Point& p = d.PointTable[i];
     if (!p.Deleted) DrawPointMark(c, i, p.E, p.N, false);
-  }
-  if (d.MapType == 1 && (c.display.ElevationsOn || c.display.VerticalOn)) DrawPointHeights(c);
+  });
+  if (d.MapType == 1 && (c.display.ElevationsOn || c.display.VerticalOn)) PointHeights(c, points);
   if (!d.StationName.empty() && d.StationSet) DrawStationMark(c, d.StationE, d.StationN, false);
   if (c.display.GridOn) DrawGrid(c);
-  if (c.display.CodesOn) DrawRunningNumbers(c);
+  if (c.display.CodesOn) RunningNumbers(c, points);
   c.ui.SetLabel("Label41", std::to_string(d.PointCount));
   c.ui.SetStatusPanel(4, "測點 " + std::to_string(d.PointCount - d.DeletedPointCount));
   c.ui.SetStatusPanel(5, "圖元 " + std::to_string(d.EntityCount - d.DeletedEntityCount));

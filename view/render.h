@@ -9,11 +9,16 @@
 
 namespace tavik::view {
 
+// How a repaint finds its rows: through the document's spatial index, only those that
+// may reach the paper (the program's way, in proportion to what is on the paper), or
+// every row of each table. Both draw the same picture.
+enum class RowWalk { Indexed, Every };
+
 // The whole repaint, in its fixed order: entities, base map, point marks, heights,
 // station, grid, running numbers, counts, scale bar, matching overlay. A rubber band
 // is never part of the picture: the window draws it over the picture, so that it
 // stays through every repaint.
-void RedrawAll(MapCanvas& c);
+void RedrawAll(MapCanvas& c, RowWalk walk = RowWalk::Indexed);
 
 // Every row of EntityTable, deleted and hidden ones skipped.
 void DrawEntities(MapCanvas& c);

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 #include "geo/circle.h"
+#include "view/arc_geometry.h"
 
 namespace tavik {
 
@@ -161,17 +163,55 @@ int32_t RebuildScreenPoints(Document& doc, const View& view) {
   return doc.ScreenPointCount;
 }
 
+namespace {
+
+// The box of a circle, widened by a hair so that a last-bit difference in how a caller
+// finds the same centre or radius can never leave the circle outside it.
+Box CircleBox(double ce, double cn, double r) {
+  const double hairE = 1e-9 * (std::fabs(ce) + r), hairN = 1e-9 * (std::fabs(cn) + r);
+  return {ce - r - hairE, cn - r - hairN, ce + r + hairE, cn + r + hairN};
+}
+
+Box Union(const Box& a, const Box& b) {
+  return {std::min(a.MinE, b.MinE), std::min(a.MinN, b.MinN), std::max(a.MaxE, b.MaxE), std::max(a.MaxN, b.MaxN)};
+}
+
+bool Usable(double ce, double cn, double r) { return std::isfinite(ce) && std::isfinite(cn) && !std::isnan(r); }
+
+// Found by every query: an arc on a line, whose repaint reports it wherever it lies.
+constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr Box kEverywhere{-kInf, -kInf, kInf, kInf};
+
+}  // namespace
+
 void EntityBoxes(const Entity& e, std::vector<Box>& boxes) {
-  // Every vertex on its own: an unused one at 0, 0 takes part in the test too.
-  for (int k = 0; k < 3; ++k) boxes.push_back(Box::At(e.X[k], e.Y[k]));
+  // Vertex 3 on its own: an unused one at 0, 0 takes part in the screen test too.
+  boxes.push_back(Box::At(e.X[2], e.Y[2]));
+  if (e.Kind == KindLine && !std::isnan(e.X[0] + e.Y[0] + e.X[1] + e.Y[1])) {
+    // The whole segment, which may cross the paper with both ends off it.
+    boxes.push_back({std::min(e.X[0], e.X[1]), std::min(e.Y[0], e.Y[1]), std::max(e.X[0], e.X[1]),
+                     std::max(e.Y[0], e.Y[1])});
+    return;
+  }
+  boxes.push_back(Box::At(e.X[0], e.Y[0]));
+  boxes.push_back(Box::At(e.X[1], e.Y[1]));
   // A curve's samples lie on the circle of its centre and radius, found as the sampling
-  // finds them: the square round that circle holds them all. It is widened by a hair
-  // so that a last-bit difference in the radius can never leave a sample outside.
+  // finds them; the drawing finds its circle its own way, which may differ in the last
+  // bits: one box holds both.
   double ce = 0, cn = 0, r = 0;
+  bool drawn = false;
+  view::ArcGeometry arc;
+  double de = 0, dn = 0, dr = 0;
   switch (e.Kind) {
     case KindArc3: {
       CircleCentre3(e.X[0], e.Y[0], e.X[1], e.Y[1], e.X[2], e.Y[2], ce, cn);
       r = std::sqrt((e.X[1] - ce) * (e.X[1] - ce) + (e.Y[1] - cn) * (e.Y[1] - cn));
+      if (Cross3(e.X[0], e.Y[0], e.X[1], e.Y[1], e.X[2], e.Y[2]) == 0) {
+        boxes.push_back(kEverywhere);
+        return;
+      }
+      drawn = view::ArcThrough(e.X[0], e.Y[0], e.X[1], e.Y[1], e.X[2], e.Y[2], arc);
+      de = arc.Ec, dn = arc.Nc, dr = arc.radius;
       break;
     }
     case KindCircle3: {
@@ -179,6 +219,7 @@ void EntityBoxes(const Entity& e, std::vector<Box>& boxes) {
       SeparationNudge(x1, y1, x2, y2, x3, y3);
       CircleCentre3(x1, y1, x2, y2, x3, y3, ce, cn);
       r = std::hypot(e.X[1] - ce, e.Y[1] - cn);
+      drawn = view::CircleThrough(e.X[0], e.Y[0], e.X[1], e.Y[1], e.X[2], e.Y[2], de, dn, dr);
       break;
     }
     case KindCircle2:
@@ -188,9 +229,14 @@ void EntityBoxes(const Entity& e, std::vector<Box>& boxes) {
     default:
       return;
   }
-  if (!std::isfinite(ce) || !std::isfinite(cn) || std::isnan(r)) return;  // nothing is sampled
-  const double hairE = 1e-9 * (std::fabs(ce) + r), hairN = 1e-9 * (std::fabs(cn) + r);
-  boxes.push_back({ce - r - hairE, cn - r - hairN, ce + r + hairE, cn + r + hairN});
+  const bool sampled = Usable(ce, cn, r);
+  drawn = drawn && Usable(de, dn, dr);
+  if (sampled && drawn)
+    boxes.push_back(Union(CircleBox(ce, cn, r), CircleBox(de, dn, dr)));
+  else if (sampled)
+    boxes.push_back(CircleBox(ce, cn, r));
+  else if (drawn)
+    boxes.push_back(CircleBox(de, dn, dr));
 }
 
 bool EntityReachesScreen(const Entity& e, const View& view) {
@@ -220,6 +266,26 @@ int32_t RebuildScreenEntities(Document& doc, const View& view) {
   for (int32_t i = from; i < n; ++i) take(i);
   doc.ScreenEntityCount = static_cast<int32_t>(doc.ScreenEntityTable.size());
   return doc.ScreenEntityCount;
+}
+
+namespace {
+
+bool RowsNear(const RowGrid& g, std::size_t tableRows, const Box& box, std::vector<int32_t>& rows) {
+  if (!g.Query(box, rows)) return false;
+  for (auto i = static_cast<std::size_t>(g.BuiltRows()); i < tableRows; ++i) rows.push_back(static_cast<int32_t>(i));
+  return true;
+}
+
+}  // namespace
+
+bool PointRowsNear(Document& doc, const Box& box, std::vector<int32_t>& rows) {
+  const RowGrid& g = PointIndex(doc, Rows(doc.PointTable.size(), doc.PointCount));
+  return RowsNear(g, doc.PointTable.size(), box, rows);
+}
+
+bool EntityRowsNear(Document& doc, const Box& box, std::vector<int32_t>& rows) {
+  const RowGrid& g = EntityIndex(doc, Rows(doc.EntityTable.size(), doc.EntityCount));
+  return RowsNear(g, doc.EntityTable.size(), box, rows);
 }
 
 }  // namespace tavik

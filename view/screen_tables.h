@@ -5,6 +5,7 @@
 // The rebuilds look only at the rows the document's spatial index (core/spatial_index.h)
 // gives for the screen, plus the rows appended since it was built, and apply the same
 // exact test to each in row order: the tables are what a walk of every row would make.
+// The repaint takes its rows from the same index, for the paper.
 // The index is built on the first rebuild after a load or any change that forgot it.
 #pragma once
 
@@ -29,8 +30,18 @@ int32_t RebuildScreenEntities(Document& doc, const View& view);
 // The test RebuildScreenEntities applies to one entity.
 bool EntityReachesScreen(const Entity& e, const View& view);
 
-// The boxes the spatial index finds an entity by: each vertex, and the box of the
-// samples of its arc or circle. Whatever of the entity can be InScreen lies in one.
+// The boxes the spatial index finds an entity by: whatever of it can be InScreen (a
+// vertex, a sample of its arc or circle) and whatever of it the repaint draws (a whole
+// segment, the circle of an arc) lies in one. An arc on a line is found everywhere: the
+// repaint reports it wherever it lies.
 void EntityBoxes(const Entity& e, std::vector<Box>& boxes);
+
+// The rows of PointTable or EntityTable that may reach into a world box, for a repaint:
+// ascending, each once, the rows appended since the index was built included. A row
+// reaches into the box when one of its EntityBoxes (a point: its E, N) meets it, bounds
+// included. False, with rows empty, when the box covers so much of the map that a walk
+// of every row is the cheaper way.
+bool PointRowsNear(Document& doc, const Box& box, std::vector<int32_t>& rows);
+bool EntityRowsNear(Document& doc, const Box& box, std::vector<int32_t>& rows);
 
 }  // namespace tavik

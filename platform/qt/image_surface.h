@@ -1,12 +1,18 @@
 // Paper1's pixels: a QImage painted with QPainter. The widget shows the image; the
 // renderer draws into it through ui::Surface. Lines are drawn without antialiasing so
 // that the inverting mode is exact: a rubber band drawn twice leaves no trace.
+//
+// One painter stays open on the image from the first figure drawn until the picture is
+// looked at (Image()), so a repaint of many thousand figures opens one painter, not one
+// per figure; the pen, brush, mode and font are handed to it only when they change.
 #pragma once
 
 #include <QColor>
 #include <QFont>
 #include <QImage>
+#include <QPainter>
 #include <QPen>
+#include <memory>
 
 #include "platform/surface.h"
 
@@ -15,10 +21,18 @@ namespace tavik::ui {
 class ImageSurface : public Surface {
  public:
   explicit ImageSurface(int width = 800, int height = 600);
+  ~ImageSurface() override { End(); }
+  ImageSurface(const ImageSurface&) = delete;
+  ImageSurface& operator=(const ImageSurface&) = delete;
 
   // Resizes the image; its content is lost and it is cleared to white.
   void Resize(int width, int height);
-  const QImage& Image() const { return image_; }
+  // The picture as drawn so far (the open painter is closed first, so that what it drew
+  // is all there and a copy taken now stays as it is).
+  const QImage& Image() const {
+    End();
+    return image_;
+  }
 
   void Clear(Rgb background) override;
   void SetPen(Rgb colour, int width, LineStyle style) override;
@@ -35,8 +49,10 @@ class ImageSurface : public Surface {
   static QColor ToQColor(Rgb c) { return QColor(RedOf(c), GreenOf(c), BlueOf(c)); }
 
  private:
-  // Prepares a painter with the current pen, brush and mode.
-  void Begin(class QPainter& p, bool withBrush) const;
+  // The open painter, opened if need be, with the current mode; withPen hands it the
+  // current pen, withBrush the current fill (only an ellipse uses a brush).
+  QPainter& Painter(bool withPen, bool withBrush = false);
+  void End() const;
 
   QImage image_;
   QPen pen_;
@@ -44,6 +60,12 @@ class ImageSurface : public Surface {
   bool filled_ = false;
   QColor fill_;
   QFont font_;
+  // What the open painter holds, so that only changes are handed to it.
+  mutable std::unique_ptr<QPainter> painter_;
+  bool painterPen_ = false, painterBrush_ = false;
+  bool painterFilled_ = false;
+  QColor painterFill_;
+  int painterFontSize_ = 0;
 };
 
 }  // namespace tavik::ui
