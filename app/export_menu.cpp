@@ -6,7 +6,11 @@
 #include "app/dxfoutput.h"
 #include "app/edit_wiring.h"
 #include "app/program.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "export/document_report.h"
+#include "export/ground_line.h"
+#include "export/profile_dxf.h"
 #include "export/side_tables.h"
 #include "export/symbol_library.h"
 
@@ -25,6 +29,9 @@ ExportMenu::ExportMenu(Program& program) : QObject(&program.frm), program_(progr
   add("MainMnuClassTableCsv", "分類樁位表(CSV)", &ExportMenu::ClassTable);
   menu->addSeparator();
   add("MainMnuReport", "圖檔報表(TXT)...", &ExportMenu::Report);
+  menu->addSeparator();
+  add("MainMnuProfileDxf", "縱斷面圖(DXF)...", &ExportMenu::Profile);
+  add("MainMnuSectionsDxf", "橫斷面圖(DXF)...", &ExportMenu::Sections);
 }
 
 int16_t& ExportMenu::AreaUnit() {
@@ -65,4 +72,53 @@ void ExportMenu::Report() {
   const std::string why = tavik::dxf::WriteDocumentReport(doc, AreaUnit(), path, tavik::dxf::ReportTimeNow());
   program_.dialogs.MsgBox(why.empty() ? "[" + std::filesystem::path(path).filename().string() + "] 圖檔報表輸出完成" : why,
                           tavik::dxf::TablesTitle);
+}
+
+namespace {
+constexpr const char* DxfFilter = "DXF檔(*.DXF)|*.DXF";
+}  // namespace
+
+void ExportMenu::Profile() {
+  const tavik::Document& doc = program_.app.doc;
+  if (!doc.IsOpen()) return;
+  if (std::string why = tavik::dxf::RouteRefusal(doc); !why.empty()) {
+    program_.dialogs.MsgBox(why, tavik::dxf::ProfileTitle);
+    return;
+  }
+  const std::string path = program_.dialogs.SaveFileName(tavik::dxf::ProfileTitle, DxfFilter, doc.DocumentName + "_縱斷面.DXF");
+  if (path.empty()) return;
+  const auto r = tavik::dxf::WriteProfileDxf(doc, path);
+  program_.dialogs.MsgBox(r.message, r.title);
+}
+
+void ExportMenu::Sections() {
+  const tavik::Document& doc = program_.app.doc;
+  if (!doc.IsOpen()) return;
+  if (std::string why = tavik::dxf::RouteRefusal(doc); !why.empty()) {
+    program_.dialogs.MsgBox(why, tavik::dxf::SectionsTitle);
+    return;
+  }
+  // With section lines drawn the field may stay empty; without, an interval is needed.
+  bool drawn = false;
+  for (int32_t i = 0; i < doc.EntityCount && i < static_cast<int32_t>(doc.EntityTable.size()); ++i) {
+    const tavik::Entity& e = doc.EntityTable[i];
+    drawn = drawn || (e.Code == tavik::dxf::CodeSectionLine && e.Kind == tavik::KindLine && !e.Deleted);
+  }
+  double interval = 0;
+  for (;;) {
+    const auto answer = program_.dialogs.InputBox(
+        "橫斷面間距(公尺):\n(空白:在代碼521的橫斷面線上取橫斷面)", tavik::dxf::SectionsTitle, drawn ? "" : "20");
+    if (!answer) return;
+    if (tavik::text::Trim(*answer).empty()) break;
+    const auto m = tavik::num::ParseStrict(*answer);
+    if (m && *m > 0 && *m < 1e6) {
+      interval = *m;
+      break;
+    }
+    program_.dialogs.MsgBox("間距必需是大於0的數字", tavik::dxf::SectionsTitle);
+  }
+  const std::string path = program_.dialogs.SaveFileName(tavik::dxf::SectionsTitle, DxfFilter, doc.DocumentName + "_橫斷面.DXF");
+  if (path.empty()) return;
+  const auto r = tavik::dxf::WriteSectionsDxf(doc, interval, path);
+  program_.dialogs.MsgBox(r.message, r.title);
 }

@@ -1,4 +1,5 @@
-// The 匯出 menu: the DXF drawing, the two CSV side tables and the document's text report.
+// The 匯出 menu: the DXF drawing, the two CSV side tables, the document's text report,
+// the profile and cross-section drawings.
 #pragma once
 
 #include <QObject>
@@ -17,6 +18,8 @@ class ExportMenu : public QObject {
   void PointTable();
   void ClassTable();
   void Report();
+  void Profile();
+  void Sections();
 
  private:
   int16_t& AreaUnit();

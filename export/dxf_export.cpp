@@ -299,108 +299,18 @@ struct Exporter {
   }
 
   void Header(double E0, double N0, double E1, double N1) {
-    out.Pair("  0", "SECTION");
-    out.Pair("  2", "HEADER");
-    auto var = [&](const char* name) { out.Pair("  9", name); };
-    // The release and the code page come first and last: a reader that finds no
-    // release takes the file for a recent one with UTF-8 text and garbles every
-    // Chinese name (LibreCAD then shows nothing at all); the code page spares the
-    // reader a guess.
-    var("$ACADVER"), out.Pair("  1", "AC1009");
-    var("$EXTMIN"), out.Pair(" 10", E0), out.Pair(" 20", N0);
-    var("$EXTMAX"), out.Pair(" 10", E1), out.Pair(" 20", N1);
-    var("$LIMMIN"), out.Pair(" 10", doc.MinE), out.Pair(" 20", doc.MinN);
-    var("$LIMMAX"), out.Pair(" 10", doc.MaxE), out.Pair(" 20", doc.MaxN);
-    var("$LTSCALE"), out.Pair(" 40", U);
-    var("$INSBASE"), out.Pair(" 10", "0"), out.Pair(" 20", "0");
-    var("$OSMODE"), out.Pair(" 70", "   8");
-    var("$TEXTSIZE"), out.Pair(" 40", U * 0.2);
-    var("$TEXTSTYLE"), out.Pair("  7", "STANDARD");
-    var("$ANGBASE"), out.Pair(" 50", " 0.0");
-    var("$ANGDIR"), out.Pair(" 70", "   0");
-    var("$MENU"), out.Pair("  1", "acad");
-    var("$DWGCODEPAGE"), out.Pair("  3", "ANSI_950");
-    out.Pair("  0", "ENDSEC");
+    WriteHeader(out, U, E0, N0, E1, N1, doc.MinE, doc.MinN, doc.MaxE, doc.MaxN);
   }
 
   void Tables() {
-    out.Pair("  0", "SECTION");
-    out.Pair("  2", "TABLES");
-    out.Pair("  0", "TABLE");
-    out.Pair("  2", "LTYPE");
-    out.Pair(" 70", "  9");  // one less than the rows below; CAD programs count the rows
-    struct LineType {
-      const char* name;
-      const char* description;
-      const char* items;
-      double total;
-      double dashes[4];
-    };
-    static const char* const dashes = "___ ___ ___ ___ ___ ___ ___ ___ ___ ___ ___ ___ ";
-    const LineType types[] = {
-        {"CONTINUOUS", "solid line", "  0", 0, {}},
-        {"L1X1", "- - - - - - - - - - - - - - - - - - - - - - - -", "  2", 0.2, {0.1, -0.1}},
-        {"L24X06", dashes, "  2", 0.3, {0.24, -0.06}},
-        {"L9X1", dashes, "  2", 1, {0.9, -0.1}},
-        {"L25X1", dashes, "  2", 0.35, {0.25, -0.1}},
-        {"L3X1DX1", "___ . ___ . ___ . ___ . ___ . ___ . ___ . ___ . ", "  4", 0.5, {0.3, -0.1, 0.0, -0.1}},
-        {"L2X1", "__ __ __ __ __ __ __ __ __ __ __ __ __ __ __ __ ", "  2", 0.3, {0.2, -0.1}},
-        {"DX15", ".  .  .  .  .  .  .  .  .  .  .  .  .  .  .  .  ", "  2", 0.15, {0.0, -0.15}},
-        {"DX2", ".   .   .   .   .   .   .   .   .   .   .   .   ", "  2", 0.2, {0.0, -0.2}},
-        {"L15X1", "__ __ __ __ __ __ __ __ __ __ __ __ ", "  2", 0.25, {0.15, -0.1}},
-    };
-    for (const auto& t : types) {
-      out.Pair("  0", "LTYPE");
-      out.Pair("  2", t.name);
-      out.Pair(" 70", "  64");
-      out.Pair("  3", t.description);
-      out.Pair(" 72", "  65");
-      out.Pair(" 73", t.items);
-      const int n = t.items[2] - '0';
-      if (n == 0)
-        out.Pair(" 40", "0.0");
-      else
-        out.Pair(" 40", t.total);
-      for (int i = 0; i < n; ++i) out.Pair(" 49", t.dashes[i]);
-    }
-    out.Pair("  0", "ENDTAB");
-
-    out.Pair("  0", "TABLE");
-    out.Pair("  2", "LAYER");
-    out.Pair(" 70", "1000");
-    auto layerRow = [&](std::string_view name, auto colour) {
-      out.Pair("  0", "LAYER");
-      out.Pair("  2", name);
-      out.Pair(" 70", "  64");
-      out.Pair(" 62", colour);
-      out.Pair("  6", Continuous);
-    };
-    layerRow(text::ToCp950("圖框"), "  7");
-    layerRow("PTS", " 2");
-    layerRow("STR", " -2");
-    if (doc.MapType == 1) layerRow(text::ToCp950("所有高程"), " -6");
+    std::vector<LayerRow> rows = {{text::ToCp950("圖框"), "  7"}, {"PTS", " 2"}, {"STR", " -2"}};
+    if (doc.MapType == 1) rows.push_back({text::ToCp950("所有高程"), " -6"});
     for (int code = 0; code <= 999; ++code) {
       if (!used[code]) continue;
       const bool off = code == 513 || code == 514 || code == 515 || code == 520 || code == 521 || code == 299;
-      layerRow(layer[code], static_cast<double>(off ? -LayerColour(code) : LayerColour(code)));
+      rows.push_back({layer[code], num::Printed(off ? -LayerColour(code) : LayerColour(code))});
     }
-    out.Pair("  0", "ENDTAB");
-
-    out.Pair("  0", "TABLE");
-    out.Pair("  2", "STYLE");
-    out.Pair(" 70", "     1");
-    out.Pair("  0", "STYLE");
-    out.Pair("  2", "STANDARD");
-    out.Pair(" 70", "     0");
-    out.Pair(" 40", "0.0");
-    out.Pair(" 41", " 1");
-    out.Pair(" 50", "0.0");
-    out.Pair(" 71", "     0");
-    out.Pair(" 42", U * 0.2);
-    out.Pair("  3", "TXT.SHX");
-    out.Pair("  4 ", "chineset.shx");
-    out.Pair("  0", "ENDTAB");
-    out.Pair("  0", "ENDSEC");
+    WriteTables(out, U, rows);
   }
 
   // Copies a symbol-library file line by line, the first `skip` lines dropped. False
@@ -525,10 +435,7 @@ DxfExportResult WriteDxf(const Document& doc, const DxfExportOptions& options, c
 
   io::ReplacingFile file(target);
   if (!file.Ok()) {
-    std::error_code ec;
-    result.message = std::filesystem::exists(target, ec)
-                         ? "有一個同名檔案存在,且被其它程式開啟中...\n請先關閉 [" + target.string() + "] 後再試."
-                         : "無法建立 [" + target.string() + "],\n請確認資料夾存在且可以寫入後再試.";
+    result.message = CannotCreateMessage(target);
     return result;
   }
   DxfStream out(file, doc.MapType == 1);
@@ -599,7 +506,7 @@ DxfExportResult WriteDxf(const Document& doc, const DxfExportOptions& options, c
   if (x.collinear > 0)
     result.warnings.push_back("錯誤:三點共線.\n" + std::to_string(x.collinear) + " 個圓或弧未輸出");
   if (!file.Finish()) {
-    result.message = "無法寫入 [" + target.string() + "],\n請確認磁碟空間與寫入權限後再試.";
+    result.message = CannotWriteMessage(target);
     result.missingSymbols.clear();
     result.warnings.clear();
     return result;

@@ -7,7 +7,10 @@
 
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/durable_file.h"
 #include "core/numbers.h"
@@ -41,6 +44,9 @@ class DxfStream {
   // WriteText. hasZ false leaves " 30" out whatever the map type (area labels).
   void Text(std::string_view layer, std::string_view colour, double x, double y, double z, double height,
             std::string_view text, bool hasZ = true);
+  // A text of a plane drawing (no height), turned by angle degrees counterclockwise.
+  void TextAt(std::string_view layer, std::string_view colour, double x, double y, double height,
+              std::string_view text, double angle = 0);
   // WriteLine, WriteCircle, WriteArc; angles in degrees.
   void LineEntity(std::string_view layer, std::string_view ltype, double x1, double y1, double z1, double x2,
                   double y2, double z2);
@@ -52,6 +58,25 @@ class DxfStream {
   io::ReplacingFile& file_;
   bool withZ_;
 };
+
+// The HEADER section of a drawing whose sheet runs from E0, N0 to E1, N1, with the
+// limits the map's own extent, for U metres of drawing to 1 cm of paper.
+void WriteHeader(DxfStream& out, double U, double E0, double N0, double E1, double N1, double limMinE,
+                 double limMinN, double limMaxE, double limMaxN);
+
+// One row of the LAYER table: its name in code page 950 and its colour as the group's
+// value text (a negative colour is a layer switched off).
+struct LayerRow {
+  std::string name;
+  std::string colour;
+};
+// The TABLES section: the line types the drawings use, the given layers and the text
+// style sized for U.
+void WriteTables(DxfStream& out, double U, const std::vector<LayerRow>& layers);
+
+// The messages of a drawing that could not be written to target.
+std::string CannotCreateMessage(const std::filesystem::path& target);
+std::string CannotWriteMessage(const std::filesystem::path& target);
 
 // CircleCentre3: the circumcentre of three points and the radius to the first. The
 // points are collinear when (x2 - x1)(y3 - y2) - (x3 - x2)(y2 - y1) is exactly 0; then

@@ -17,8 +17,13 @@ constexpr const char* SplitArea = "#######.0000";   // areas in the land split d
 constexpr const char* SplitAreaUnit = "########.0000㎡";
 constexpr const char* SplitAzimuth = "###.0000";    // azimuth in decimal degrees there
 constexpr const char* SplitCoordinate = " ########.000";  // coordinates in its output, with the blank
+constexpr const char* Level = "0.00";                // levels and offsets on profile and section drawings
 
 // An angle in three parts as a list shows it: "123-45-30.50".
 std::string FormatDmsList(int16_t degrees, int16_t minutes, double seconds);
+
+// A chainage along a route as the drawings label it: kilometres "+" metres to the
+// centimetre, 1020.456 -> "1+020.46", 0 -> "0+000.00".
+std::string FormatChainage(double metres);
 
 }  // namespace tavik::fmt

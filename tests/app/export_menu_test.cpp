@@ -48,6 +48,42 @@ class ExportMenuTest : public QObject {
     QVERIFY(p.frm.findChild<QAction*>("MainMnuDXFOutput")->isVisible());
     QVERIFY(p.frm.findChild<QAction*>("MainMnuPointTableCsv")->isVisible());
   }
+
+  // Profile and sections: refused with its reason while the map has no route, then
+  // written where the file dialog says once a route crosses the surveyed ground.
+  void profileAndSectionsFromTheMenu() {
+    tavik::testing::TempHome home;
+    tavik::ui::ScriptedDialogs dialogs;
+    Program p(tavik::AppPaths{home.path}, &dialogs);
+    EditWiring w(p);
+    p.app.paths.EnsureFolders();
+    p.Start();
+    const fs::path folder = p.app.paths.WorkFolder();
+    dialogs.files = {(folder / "路.SPC").string()};
+    p.frm.Command("MainMnuNew")->trigger();
+    QVERIFY(p.app.doc.IsOpen());
+    const double E = p.app.doc.ViewCentreE, N = p.app.doc.ViewCentreN;
+    for (int i = 0; i < 5; ++i)
+      for (int j = 0; j < 5; ++j) QVERIFY(tavik::AddPoint(p.app.doc, p.app.view, p.app.work, E + 10 * i, N + 10 * j, 100 + i));
+    dialogs.shown.clear();
+    p.frm.findChild<QAction*>("MainMnuProfileDxf")->trigger();
+    QCOMPARE(dialogs.shown.size(), std::size_t(1));
+    QVERIFY(dialogs.shown.back().text.find("沒有縱斷面線") != std::string::npos);
+
+    QVERIFY(tavik::AddEntity(p.app.doc, p.app.view, p.app.work, 520, tavik::KindLine, E, N + 15, 0, E + 40, N + 15, 0,
+                             0, 0, 0, "A"));
+    dialogs.files = {(folder / "p.DXF").string()};
+    p.frm.findChild<QAction*>("MainMnuProfileDxf")->trigger();
+    QVERIFY2(dialogs.shown.back().text.rfind("縱斷面圖輸出完成", 0) == 0, dialogs.shown.back().text.c_str());
+    QVERIFY(fs::file_size(folder / "p.DXF") > 0);
+
+    // A bad interval is asked again; the sections go with their section file.
+    dialogs.inputs = {std::string("abc"), std::string("20")};
+    dialogs.files = {(folder / "s.DXF").string()};
+    p.frm.findChild<QAction*>("MainMnuSectionsDxf")->trigger();
+    QVERIFY2(dialogs.shown.back().text.rfind("橫斷面圖輸出完成: 3 個橫斷面", 0) == 0, dialogs.shown.back().text.c_str());
+    QVERIFY(fs::exists(folder / "s.SEC"));
+  }
 };
 
 QTEST_MAIN(ExportMenuTest)
