@@ -14,6 +14,7 @@
 #include "app/ntrip_link.h"
 #include "app/survey_panel.h"
 #include "app/survey_station.h"
+#include "app/field_tools.h"
 #include "instruments/rt_base.h"
 #include "procedures/demo_document.h"
 #include "view/document_view.h"
@@ -87,6 +88,7 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
     survey->panel()->SetEnabled("RecButton", recButton);
   };
   survey->MakePort = [this] { return std::make_unique<tavik::ui::QtSerialPort>(&store); };
+  fieldTools = new FieldTools(frm, app, *survey, instruments.link);
   exports = new ExportMenu(*this);
   ntrip = std::make_unique<NtripLink>(frm, dialogs, store);
   ntrip->MakePort = [this] { return std::make_unique<tavik::ui::QtSerialPort>(&store); };

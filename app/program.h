@@ -18,6 +18,7 @@ class GnssWiring;
 class SurveyStation;
 
 class EditWiring;
+class FieldTools;
 class ExportMenu;
 class NtripLink;
 
@@ -42,6 +43,8 @@ class Program {
   InstrumentLink instruments{frm, dialogs, &store};  // the total station: state, ports, link, robotic panel
   // Set-up, shots, resection and stake-out.
   std::unique_ptr<SurveyStation> survey;
+  // Memory download and trajectory measurement (owned by the window).
+  FieldTools* fieldTools = nullptr;
   // The GNSS receiver: set-up, ports, watchdog, receiving side, panel and sky plot.
   std::unique_ptr<GnssWiring> gnss;
   // The pen on the map (pointer machine, keys, toolbars), once made; other parts plug

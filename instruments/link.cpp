@@ -171,7 +171,7 @@ void TotalStationLink::Download(char c) {
     download.Label1.clear();
   } else if (c == '\x03') {
     download.Label1 = "下載完畢.";
-    std::ofstream out(download.Folder + "/$SOK.OBS", std::ios::binary | std::ios::trunc);
+    std::ofstream out(download.Folder + "/" + download.FileName, std::ios::binary | std::ios::trunc);
     out << download.LogBox;
     out.close();
     if (download.StartConversion) download.StartConversion();
@@ -181,7 +181,7 @@ void TotalStationLink::Download(char c) {
 }
 
 void TotalStationLink::OnByte(Channel channel, char c) {
-  if (channel == Channel::Set && download.Active) {
+  if (download.Active && channel == download.channel) {
     Download(c);
     return;
   }
@@ -378,6 +378,7 @@ void TotalStationLink::Dispatch() {
     state_.AwaitFitAngle = 0;
     if (receivers.FitAngle) receivers.FitAngle();
   }
+  if (receivers.Tracked) receivers.Tracked();
 }
 
 }  // namespace tavik

@@ -22,13 +22,16 @@
 
 namespace tavik {
 
-// A total-station memory download in progress takes the SET channel's bytes.
+// A total-station memory download in progress takes its channel's bytes: the SET
+// channel for SOKKIA instruments, MSComm_TOP for a TOPCON dump.
 struct TsDownload {
   static constexpr std::size_t kMaxLog = 16u << 20;
   bool Active = false;
+  Channel channel = Channel::Set;
   std::string LogBox;
   std::string Label1;
-  std::string Folder = ".";  // where "$SOK.OBS" is written
+  std::string Folder = ".";          // where the raw text is written at the end mark
+  std::string FileName = "$SOK.OBS";
   std::function<void()> StartConversion;
 };
 
@@ -51,6 +54,8 @@ class TotalStationLink {
     std::function<void()> FitShot;      // FitDialog distance
     std::function<void()> FitAngle;     // FitDialog angle-only read
     std::function<void(const std::string&)> StakeOutLine;
+    // The trajectory tool while it runs: every observation that passed the tail.
+    std::function<void()> Tracked;
   } receivers;
 
   // Windows the link opens or hides.

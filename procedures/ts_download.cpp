@@ -5,6 +5,7 @@
 
 #include "core/numbers.h"
 #include "core/tables.h"
+#include "core/text.h"
 #include "geo/angles.h"
 #include "procedures/observation_log.h"
 #include "procedures/observation_pipeline.h"
@@ -60,7 +61,12 @@ std::string LineList(const std::vector<std::size_t>& lines) {
 DownloadResult ConvertDump(SurveyContext& ctx, dump::Format format, std::string_view text, bool complete) {
   Document& doc = ctx.doc;
   InstrumentState& inst = ctx.inst;
-  const dump::Dump d = dump::Read(format, text);
+  // Columns count the instrument's bytes; names and codes are code page 950 text.
+  dump::Dump d = dump::Read(format, text);
+  for (dump::Record& r : d.records) {
+    for (std::string* t : {&r.name, &r.code, &r.station, &r.backsight}) *t = text::FromCp950(*t);
+  }
+  d.lastName = text::FromCp950(d.lastName);
   DownloadResult result;
   result.skipped = d.skipped;
   result.cut = d.cut || !complete;

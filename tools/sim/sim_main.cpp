@@ -1,7 +1,9 @@
 // tavik-sim: plays a total station on a pseudo-terminal (or a given serial device).
 // It prints the device path for TAVIK's COM port on its first line, then answers the
 // family's requests from a scene. Commands on standard input: fire, next, target N,
-// fault KIND, pull (the cable is pulled), quit. With --gnss KIND it plays a GNSS
+// fault KIND, pull (the cable is pulled), quit. With --dump FILE the instrument holds a
+// memory dump: "fire" (or --auto once) sends the file's bytes as they stand, as the
+// instrument's data output would. With --gnss KIND it plays a GNSS
 // receiver instead (gnss_main.cpp), with --sounder KIND or --motion TSS_DMS3 a depth
 // sounder or the motion sensor (sounder.cpp).
 #include <fcntl.h>
@@ -15,6 +17,7 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <sstream>
 #include <string>
 
@@ -31,7 +34,7 @@ using namespace tavik::sim;
 const char* kUsage =
     "usage: tavik-sim --scene FILE [--family SET|GTS22X|GTS211D|Leica|Trimble|Trimble3600|PENTAX]\n"
     "                 [--device PATH] [--fault KIND[@N]] [--garbage N] [--hold] [--auto MS]\n"
-    "                 [--record FILE] [--model NAME] [--serial N] [--verbose]\n"
+    "                 [--record FILE] [--model NAME] [--serial N] [--dump FILE] [--verbose]\n"
     "faults: e200 tilt garbled half silence face2 disconnect\n"
     "       tavik-sim --gnss KIND ... (tavik-sim --gnss --help)\n"
     "       tavik-sim --sounder KIND | --motion TSS_DMS3 ... (tavik-sim --sounder x --help)\n";
@@ -44,7 +47,7 @@ int main(int argc, char** argv) {
     if (std::string(argv[i]) == "--gnss") return GnssMain(argc, argv);
   for (int i = 1; i < argc; ++i)
     if (std::string(argv[i]) == "--sounder" || std::string(argv[i]) == "--motion") return SounderMain(argc, argv);
-  std::string familyName = "SET", scenePath, device, faultText, recordPath;
+  std::string familyName = "SET", scenePath, device, faultText, recordPath, dumpPath;
   Options options;
   int autoMs = -1;
   bool verbose = false;
@@ -61,6 +64,7 @@ int main(int argc, char** argv) {
     else if (a == "--record") recordPath = value();
     else if (a == "--model") options.model = value();
     else if (a == "--serial") options.serial = value();
+    else if (a == "--dump") dumpPath = value();
     else if (a == "--verbose") verbose = true;
     else if (a == "--help" || a == "-h") {
       std::cout << kUsage;
@@ -84,6 +88,15 @@ int main(int argc, char** argv) {
   if (!LoadScene(scenePath, scene, error)) {
     std::cerr << scenePath << ": " << error << "\n";
     return 1;
+  }
+  std::string dump;
+  if (!dumpPath.empty()) {
+    std::ifstream in(dumpPath, std::ios::binary);
+    if (!in) {
+      std::cerr << dumpPath << ": cannot be read\n";
+      return 1;
+    }
+    dump.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
   }
   Instrument instrument(family, scene, options);
   if (!faultText.empty()) {
@@ -126,6 +139,11 @@ int main(int argc, char** argv) {
       break;
     }
     if (n == 0) {  // the user fires at the instrument on a fixed beat
+      if (!dump.empty()) {
+        send(dump);  // the data output is started once
+        autoMs = -1;
+        continue;
+      }
       if (!send(instrument.Fire())) break;
       continue;
     }
@@ -162,7 +180,9 @@ int main(int argc, char** argv) {
       stdinLine.clear();
       std::string cmd, arg;
       words >> cmd >> arg;
-      if (cmd == "fire") {
+      if (cmd == "fire" && !dump.empty()) {
+        send(dump);
+      } else if (cmd == "fire") {
         send(instrument.Fire());
         if (instrument.Disconnecting()) pull();
       } else if (cmd == "next") {
