@@ -8,6 +8,7 @@
 
 #include "app/edit_wiring.h"
 #include "app/gnss_wiring.h"
+#include "app/field_tools.h"
 #include "app/program.h"
 #include "core/record_text.h"
 #include "core/text.h"
@@ -99,6 +100,8 @@ class RememberedSettingsTest : public QObject {
       p.app.ini.RefColourInUse = def.RefColourInUse;
       p.app.ini.InstrumentHeight = def.InstrumentHeight;
       p.app.ini.CentralMeridian = def.CentralMeridian;
+      p.app.ini.TrajectoryIntervalCm = def.TrajectoryIntervalCm;
+      p.fieldTools->TrajectorySpacingCm = want.TrajectoryIntervalCm;
       auto& inst = p.instruments.inst;
       inst.MeasureMode = want.MeasureMode;
       inst.InstrumentKind = want.InstrumentKind;
@@ -138,6 +141,7 @@ class RememberedSettingsTest : public QObject {
     QCOMPARE(tavik::SoftwareIniText(p.app.ini), tavik::SoftwareIniText(want));
 
     // And the owners hold them again.
+    QCOMPARE(p.fieldTools->TrajectorySpacingCm, want.TrajectoryIntervalCm);
     const auto& inst = p.instruments.inst;
     QCOMPARE(inst.MeasureMode, want.MeasureMode);
     QCOMPARE(inst.InstrumentKind, want.InstrumentKind);
