@@ -279,10 +279,10 @@ void LandSplitStation::OpenReferenceMap() {
   bool read = false;
   if (ext == ".SP") {
     ref.SpPath = path;
-    read = tavik::LoadOldDocument(ref, scratch, program_.dialogs);
+    read = tavik::LoadOldDocument(ref, scratch, program_.dialogs, program_.cycle.hooks.Progress);
   } else {
     ref.SpcPath = path;
-    read = tavik::LoadDocument(ref, program_.dialogs);
+    read = tavik::LoadDocument(ref, program_.dialogs, program_.cycle.hooks.Progress);
   }
   if (!read) return;  // the reader said why
   std::string refusal;

@@ -5,6 +5,7 @@
 #include "core/numbers.h"
 #include "geo/formats.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QCoreApplication>
@@ -251,6 +252,7 @@ void MainFrm::BuildStatusBar() {
 tavik::ProgressSink MainFrm::Progress() {
   struct Clock {
     QElapsedTimer started, lastShown;
+    bool busyCursor = false;
   };
   auto clock = std::make_shared<Clock>();
   return [this, clock](int64_t done, int64_t total) {
@@ -258,11 +260,13 @@ tavik::ProgressSink MainFrm::Progress() {
     if (done >= total) {
       progress_->hide();
       clock->started.invalidate();
+      if (clock->busyCursor) QApplication::restoreOverrideCursor();
+      clock->busyCursor = false;
       return;
     }
     if (clock->started.elapsed() < 500) return;
-    // A few times a second is enough for the eye and costs the work nothing.
-    if (progress_->isVisible() && clock->lastShown.isValid() && clock->lastShown.elapsed() < 50) return;
+    // Ten times a second is enough for the eye and costs the work little.
+    if (progress_->isVisible() && clock->lastShown.isValid() && clock->lastShown.elapsed() < 100) return;
     clock->lastShown.start();
     progress_->setValue(static_cast<int>(total > 0 ? done * 1000 / total : 0));
     progress_->setFormat(QString("%1 / %2").arg(done).arg(total));
@@ -270,9 +274,21 @@ tavik::ProgressSink MainFrm::Progress() {
       progress_->show();
       if (statusBar()->layout()) statusBar()->layout()->activate();
     }
-    // Painted at once, without running the event loop: a timer or a serial event let in
-    // here could add to or save the very tables being read or written.
-    statusBar()->repaint();
+    if (!clock->busyCursor) QApplication::setOverrideCursor(Qt::WaitCursor);
+    clock->busyCursor = true;
+    // The event loop is not run here: a timer, a serial event or a queued call let in
+    // could add to or save the very tables being read or written, and a key or a click
+    // could start another command. Instead every window of the program is painted at
+    // once, so that the bar moves and a window uncovered meanwhile does not stay blank;
+    // what was pressed meanwhile waits until the work is done.
+    for (QWidget* w : QApplication::topLevelWidgets()) {
+      if (!w->isVisible()) continue;
+      w->update();
+      for (QWidget* child : w->findChildren<QWidget*>())
+        if (child->isVisible()) child->update();
+      // Only the window's own paint request is taken from the queue.
+      QCoreApplication::sendPostedEvents(w, QEvent::UpdateRequest);
+    }
   };
 }
 

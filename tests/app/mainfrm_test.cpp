@@ -64,6 +64,41 @@ class MainFrmTest : public QObject {
     QVERIFY(!frm.ProgressBar()->isVisible());
   }
 
+  // During long file work the windows are painted again and nothing else runs: no timer,
+  // no queued call, no click that could start another command; the cursor says busy.
+  void windowsRepaintButNothingRunsDuringFileWork() {
+    MainFrm frm;
+    frm.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&frm));
+    struct Seen : QObject {
+      int paints = 0, presses = 0;
+      bool eventFilter(QObject*, QEvent* e) override {
+        paints += e->type() == QEvent::Paint;
+        presses += e->type() == QEvent::MouseButtonPress;
+        return false;
+      }
+    } seen;
+    frm.Paper1()->installEventFilter(&seen);
+    int ran = 0;
+    QTimer::singleShot(0, &frm, [&] { ++ran; });
+    QTimer tick;
+    connect(&tick, &QTimer::timeout, &frm, [&] { ++ran; });
+    tick.start(1);
+    const QPointF at(20, 20);
+    QCoreApplication::postEvent(frm.Paper1(), new QMouseEvent(QEvent::MouseButtonPress, at, frm.Paper1()->mapToGlobal(at),
+                                                              Qt::LeftButton, Qt::LeftButton, Qt::NoModifier));
+    tavik::ProgressSink sink = frm.Progress();
+    sink(0, 1000);
+    QElapsedTimer clock;
+    clock.start();
+    for (int64_t k = 0; clock.elapsed() < 800; ++k) sink(1 + k % 998, 1000);
+    QVERIFY(seen.paints >= 2);
+    QCOMPARE(ran + seen.presses, 0);
+    QVERIFY(QApplication::overrideCursor() != nullptr);
+    sink(1000, 1000);
+    QVERIFY(QApplication::overrideCursor() == nullptr);
+  }
+
   void menusAndCaptionsBeforeADocument() {
     tavik::testing::TempHome home;
     tavik::ui::ScriptedDialogs dialogs;
