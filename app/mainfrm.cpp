@@ -258,9 +258,12 @@ tavik::ProgressSink MainFrm::Progress() {
   return [this, clock](int64_t done, int64_t total) {
     if (done == 0 || !clock->started.isValid()) clock->started.start();
     if (done >= total) {
-      progress_->hide();
       clock->started.invalidate();
-      if (clock->busyCursor) QApplication::restoreOverrideCursor();
+      if (!clock->busyCursor) return;
+      // The bar goes at once, not when the work that follows the file is done too.
+      progress_->hide();
+      statusBar()->repaint();
+      QApplication::restoreOverrideCursor();
       clock->busyCursor = false;
       return;
     }
