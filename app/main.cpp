@@ -12,6 +12,7 @@
 #include "app/gnss_wiring.h"
 #include "app/gps_record_controls.h"
 #include "app/gps_station.h"
+#include "app/basemap_station.h"
 #include "app/frmlandsplit.h"
 #include "app/maptransformdlg.h"
 #include "app/rtbase.h"
@@ -61,6 +62,7 @@ int main(int argc, char** argv) {
   program.survey->ConnectEditor(edit.Editor(), edit.Host());
   LandSplitStation landSplit(program, edit);
   MapTransformStation mapTransform(program, edit);
+  BaseMapStation baseMaps(program, edit);
   GpsStation gpsStation(program, edit);
   // Stake-out and replay read the receiver's state and panels; each position also
   // refreshes the stake-out window.

@@ -355,7 +355,7 @@ ReadResult Reader::Run(const std::string& path, std::string& message) {
   ScopedOption encoding("DXF_ENCODING", !dxf ? nullptr : unicodeVersion ? "UTF-8" : westernOrNone ? "CP950" : nullptr);
 
   std::unique_ptr<GDALDataset> ds(
-      GDALDataset::Open(path.c_str(), GDAL_OF_VECTOR | GDAL_OF_READONLY, nullptr, nullptr, nullptr));
+      GDALDataset::Open(path.c_str(), GDAL_OF_VECTOR | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR, nullptr, nullptr, nullptr));
   if (!ds || ds->GetLayerCount() == 0) {
     const std::string why = TakeGdalError();
     message = std::string(UnreadableMessage) + path + (why.empty() ? "" : "\n" + why);
@@ -552,6 +552,22 @@ int64_t EraseBaseMapWindow(Document& doc, WorkFiles& wf, double E1, double N1, d
       // The whole circle, not only its centre and rim point, must lie in the window.
       const double r = std::hypot(b.X[1] - b.X[0], b.Y[1] - b.Y[0]);
       lo[0] = b.X[0] - r, hi[0] = b.X[0] + r, lo[1] = b.Y[0] - r, hi[1] = b.Y[0] + r;
+    }
+    double cx, cy, r;
+    if (b.Kind == KindArc3 && Circle3(b.X[0], b.Y[0], b.X[1], b.Y[1], b.X[2], b.Y[2], cx, cy, r)) {
+      // An arc may bulge past its three points: its sweep is walked in small steps.
+      constexpr double TwoPi = 2 * 3.14159265358979;
+      auto turn = [&](int k) {
+        const double a = std::atan2(b.Y[k] - cy, b.X[k] - cx) - std::atan2(b.Y[0] - cy, b.X[0] - cx);
+        return a < 0 ? a + TwoPi : a;
+      };
+      const double a0 = std::atan2(b.Y[0] - cy, b.X[0] - cx), toEnd = turn(2);
+      const double sweep = turn(1) < toEnd ? toEnd : toEnd - TwoPi;
+      for (int i = 1; i < 64; ++i) {
+        const double a = a0 + sweep * i / 64;
+        const double x = cx + r * std::cos(a), y = cy + r * std::sin(a);
+        lo[0] = std::min(lo[0], x), hi[0] = std::max(hi[0], x), lo[1] = std::min(lo[1], y), hi[1] = std::max(hi[1], y);
+      }
     }
     return lo[0] >= minE && hi[0] <= maxE && lo[1] >= minN && hi[1] <= maxN;
   };

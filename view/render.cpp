@@ -246,6 +246,13 @@ void DrawBaseMap(MapCanvas& c) {
     const BaseMapLine& b = c.doc.BaseMapTable[i];
     switch (b.Kind) {
       case KindPoint: {
+        if (b.Code != 12 && !b.Name.empty() && Finite3(b, 1) && MeetsPaper(c, b.X[0], b.Y[0], kNameReach)) {
+          // A note of the drawing the base map came from (a parcel number, a street name).
+          double x, y;
+          c.ToPixel(b.X[0], b.Y[0], x, y);
+          c.Text(x, y - 6, text::Trim(b.Name), c.display.BaseMapTextColour);
+          break;
+        }
         if (b.Code != 12 || !c.display.BaseMapCode12Marks || !Finite3(b, 1)) break;
         if (!MeetsPaper(c, b.X[0], b.Y[0], kNameReach)) break;
         double x, y;

@@ -98,8 +98,8 @@ doc.saveas(PATH, **SAVE)
     EXPECT_NEAR(arc.Y[k], 100 + 5 * std::sin(a), 1e-9);
   }
   // Points keep 12; the text and the lines take their layer's code.
-  ApplyLayerCodes(d, {{"地籍線", {266, 266}}, {"T", {235, 235}}}, false);
-  EXPECT_EQ(d.Rows[0].Code, 266);
+  ApplyLayerCodes(d, {{"地籍線", {207, 207}}, {"T", {235, 235}}}, false);
+  EXPECT_EQ(d.Rows[0].Code, 207);
   EXPECT_EQ(d.Rows[1].Code, 0);
   EXPECT_EQ(d.Rows[5].Code, 235);
   EXPECT_EQ(d.Rows[8].Code, 12);
@@ -211,19 +211,26 @@ TEST(VectorImport, BaseMapRowsJournalledAndErasedByWindow) {
   add(KindLine, 10, 10, 200, 20);    // reaches out
   add(KindCircle2, 50, 50, 55, 50);  // inside, rim included
   add(KindCircle2, 50, 50, 95, 50);  // the rim leaves the window
+  add(KindArc3, 20, 80, 30, 70);     // a half circle through (30, 70) to (40, 80): inside
+  d.Rows.back().X[2] = 40, d.Rows.back().Y[2] = 80;
+  // Clockwise from (20, 80) over the top (30, 90) through 45 degrees to (30, 70): its
+  // three points lie below 88, the arc does not.
+  add(KindArc3, 20, 80, 30 + 10 * std::sqrt(0.5), 80 + 10 * std::sqrt(0.5));
+  d.Rows.back().X[2] = 30, d.Rows.back().Y[2] = 70;
   AddToBaseMap(doc, wf, d);
-  ASSERT_EQ(doc.BaseMapCount, 5);
+  ASSERT_EQ(doc.BaseMapCount, 7);
   EXPECT_EQ(doc.BaseMapTable[4].Number, 5);
   auto journalLines = [&] {
     const std::string t = ReadBytes(home.path / "TEMPBM");
     return std::count(t.begin(), t.end(), '\n');
   };
-  EXPECT_EQ(journalLines(), 5);
-  EXPECT_EQ(EraseBaseMapWindow(doc, wf, 90, 90, 5, 5), 2);
-  ASSERT_EQ(doc.BaseMapCount, 3);
+  EXPECT_EQ(journalLines(), 7);
+  EXPECT_EQ(EraseBaseMapWindow(doc, wf, 95, 88, 5, 5), 3);
+  ASSERT_EQ(doc.BaseMapCount, 4);
   EXPECT_EQ(doc.BaseMapTable[1].X[1], 200);
-  EXPECT_EQ(doc.BaseMapTable[2].Number, 3);
-  EXPECT_EQ(journalLines(), 3);
+  EXPECT_EQ(doc.BaseMapTable[3].Number, 4);
+  EXPECT_EQ(doc.BaseMapTable[3].Y[2], 70);
+  EXPECT_EQ(journalLines(), 4);
   RemoveBaseMap(doc, wf);
   EXPECT_EQ(doc.BaseMapCount, 0);
   EXPECT_EQ(journalLines(), 0);

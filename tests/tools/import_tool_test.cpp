@@ -38,14 +38,14 @@ TEST(ImportTool, ReferenceThenBaseMapAndRefusals) {
   WriteBytes(p("in.dxf"), dxf + "0\nENDSEC\n0\nEOF\n");
 
   ToolRun r = RunTool(home.path, "import --new " + Quoted(p("in.dxf")) + " " + Quoted(p("ref.SPC")) +
-                                     " --layer-code 地籍=266");
+                                     " --layer-code 地籍=207");
   ASSERT_EQ(r.exit, 0) << r.err;
-  EXPECT_NE(r.out.find("layer 地籍: 2 rows, code 266"), std::string::npos) << r.out;
+  EXPECT_NE(r.out.find("layer 地籍: 2 rows, code 207"), std::string::npos) << r.out;
   EXPECT_NE(r.out.find("layer 7: 1 rows, code 7"), std::string::npos) << r.out;
   Document ref = Load(p("ref.SPC"));
   EXPECT_EQ(ref.ReferenceMapLoaded, kTrue);
   ASSERT_EQ(ref.ReferenceEntityCount, 3);
-  EXPECT_EQ(ref.EntityTable[0].Code, 266);
+  EXPECT_EQ(ref.EntityTable[0].Code, 207);
   EXPECT_EQ(ref.EntityTable[2].Code, 7);
   EXPECT_EQ(ref.EntityTable[1].X[1], 250010);
 
@@ -55,6 +55,14 @@ TEST(ImportTool, ReferenceThenBaseMapAndRefusals) {
   EXPECT_EQ(bm.ReferenceEntityCount, 3);
   ASSERT_EQ(bm.BaseMapCount, 3);
   EXPECT_EQ(bm.BaseMapTable[2].Y[1], 2700005);
+
+  // Another document laid under a new one: its entities become the base map.
+  r = RunTool(home.path, "import --new " + Quoted(p("ref.SPC")) + " " + Quoted(p("under.SPC")) + " --as basemap");
+  ASSERT_EQ(r.exit, 0) << r.err;
+  Document under = Load(p("under.SPC"));
+  EXPECT_EQ(under.EntityCount, 0);
+  ASSERT_EQ(under.BaseMapCount, 3);
+  EXPECT_EQ(under.BaseMapTable[0].Code, 207);
 
   struct Refusal {
     std::string args;
