@@ -32,6 +32,9 @@ ExportMenu::ExportMenu(Program& program) : QObject(&program.frm), program_(progr
   menu->addSeparator();
   add("MainMnuProfileDxf", "縱斷面圖(DXF)...", &ExportMenu::Profile);
   add("MainMnuSectionsDxf", "橫斷面圖(DXF)...", &ExportMenu::Sections);
+  menu->addSeparator();
+  add("MainMnuObsBook", "觀測手簿(Excel)...", &ExportMenu::ObservationBook);
+  add("MainMnuStakeBook", "放樣手簿(Excel)...", &ExportMenu::StakeBook);
 }
 
 int16_t& ExportMenu::AreaUnit() {
@@ -121,4 +124,20 @@ void ExportMenu::Sections() {
   if (path.empty()) return;
   const auto r = tavik::dxf::WriteSectionsDxf(doc, interval, path);
   program_.dialogs.MsgBox(r.message, r.title);
+}
+
+void ExportMenu::ObservationBook() { FieldBook(tavik::sheet::Book::Observation, "_觀測手簿.xlsx"); }
+void ExportMenu::StakeBook() { FieldBook(tavik::sheet::Book::Stake, "_放樣手簿.xlsx"); }
+
+void ExportMenu::FieldBook(tavik::sheet::Book book, const char* suffix) {
+  const tavik::Document& doc = program_.app.doc;
+  if (!doc.IsOpen()) return;
+  const std::string path =
+      program_.dialogs.SaveFileName(tavik::sheet::SheetTitle, "Excel 活頁簿(*.xlsx)|*.xlsx", doc.DocumentName + suffix);
+  if (path.empty()) return;
+  const auto r = tavik::sheet::WriteFieldBook(doc, book, path,
+                                              tavik::dxf::SymbolLibraryFolder(program_.app.paths));
+  std::string text = r.message;
+  for (const auto& w : r.warnings) text += "\n" + w;
+  program_.dialogs.MsgBox(text, tavik::sheet::SheetTitle);
 }

@@ -258,7 +258,9 @@ int InstallSymbolLibrary(const AppPaths& paths) {
   int copied = 0;
   for (fs::directory_iterator it(from, ec), end; !ec && it != end; it.increment(ec)) {
     const fs::path name = it->path().filename();
-    if (text::UpperAscii(name.extension().string()) != ".DXF") continue;
+    // The blocks and the layouts of the workbooks.
+    const std::string ext = text::UpperAscii(name.extension().string());
+    if (ext != ".DXF" && ext != ".TPL") continue;
     std::error_code e2;
     if (fs::exists(AppPaths::Find(to, name.string()), e2)) continue;
     if (!fs::copy_file(it->path(), to / name, e2)) return -1;

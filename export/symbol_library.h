@@ -51,9 +51,9 @@ std::filesystem::path ShippedSymbolLibrary();
 // (999.dxf is there), else the shipped one.
 std::filesystem::path SymbolLibraryFolder(const AppPaths& paths);
 
-// Copies every file of the shipped library that the data folder's symb/ lacks; the
-// surveyor's own files are never overwritten. Returns the number copied, -1 when the
-// shipped library is not found or a copy fails.
+// Copies every file of the shipped library (the blocks and the workbook layouts, *.tpl)
+// that the data folder's symb/ lacks; the surveyor's own files are never overwritten.
+// Returns the number copied, -1 when the shipped library is not found or a copy fails.
 int InstallSymbolLibrary(const AppPaths& paths);
 
 // Writes the whole library into a folder (the generator of the shipped files). False

@@ -9,6 +9,7 @@
 #include "core/tables.h"
 #include "core/temp_home.h"
 #include "platform/scripted/scripted.h"
+#include "procedures/observation_log.h"
 
 namespace fs = std::filesystem;
 
@@ -83,6 +84,19 @@ class ExportMenuTest : public QObject {
     p.frm.findChild<QAction*>("MainMnuSectionsDxf")->trigger();
     QVERIFY2(dialogs.shown.back().text.rfind("橫斷面圖輸出完成: 3 個橫斷面", 0) == 0, dialogs.shown.back().text.c_str());
     QVERIFY(fs::exists(folder / "s.SEC"));
+
+    // The observation book: nothing to write before a shot, a workbook after one.
+    dialogs.files = {(folder / "b.xlsx").string()};
+    p.frm.findChild<QAction*>("MainMnuObsBook")->trigger();
+    QVERIFY(dialogs.shown.back().text.find("沒有全站儀的觀測紀錄") != std::string::npos);
+    QVERIFY(!fs::exists(folder / "b.xlsx"));
+    for (const char* line : {"-99 , 2026/11/23 09:00:00", "A1,0.000,0.000,100.000,1.50", "A2,0.000,10.000,100.000, 0 , 900000 ,10.000",
+                             " 900000, 900000 ,10.000,1.50, 2026/11/23 09:01:00"})
+      QVERIFY(tavik::obslog::AppendLine(p.app.doc.ObsPath, line));
+    dialogs.files = {(folder / "b.xlsx").string()};
+    p.frm.findChild<QAction*>("MainMnuObsBook")->trigger();
+    QCOMPARE(dialogs.shown.back().text, std::string("[b.xlsx] 輸出完成, 共 2 筆"));
+    QVERIFY(fs::file_size(folder / "b.xlsx") > 0);
   }
 };
 

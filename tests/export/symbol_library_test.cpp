@@ -23,8 +23,11 @@ TEST(SymbolLibrary, ShippedFilesAreTheGeneratedOnes) {
     EXPECT_EQ(ReadBytes(shipped / dxf::SymbolFileName(code)), dxf::SymbolBlockFile(code))
         << code << ": run tavik-tool symbols symb";
   }
-  for (const auto& f : fs::directory_iterator(shipped))
+  // The workbook layouts beside the blocks are written by hand.
+  for (const auto& f : fs::directory_iterator(shipped)) {
+    if (f.path().extension() != ".dxf") continue;
     EXPECT_TRUE(want.count(f.path().filename().string())) << f.path() << " is not made by the generator";
+  }
   // Every glyph of the map has its block, and so has the default.
   for (int code : view::SymbolGlyphCodes()) EXPECT_TRUE(want.count(dxf::SymbolFileName(code))) << code;
   EXPECT_TRUE(want.count("999.dxf"));
