@@ -27,6 +27,9 @@ std::vector<basemap::GroundVertex> Grid() {
 TEST(GroundLine, PlaneGroundIsExactAndStopsAtTheOutline) {
   const basemap::GroundModel g(Grid());
   ASSERT_TRUE(g.Ok());
+  // No surface from points on one line, nor from three shots of which two share a place.
+  EXPECT_FALSE(basemap::GroundModel({{0, 0, 1}, {1, 1, 2}, {3, 3, 3}}).Ok());
+  EXPECT_FALSE(basemap::GroundModel({{0, 0, 1}, {5, 0, 2}, {5, 0, 3}}).Ok());
   struct Case {
     const char* legend;
     std::vector<PlanPoint> line;

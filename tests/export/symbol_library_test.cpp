@@ -43,10 +43,12 @@ TEST(SymbolLibrary, FoundInTheDataFolderOnceInstalledAndNeverOverwritten) {
   ASSERT_FALSE(shipped.empty());
   EXPECT_EQ(dxf::SymbolLibraryFolder(paths), shipped);
 
-  // The surveyor's own block stays as it is; everything missing is copied.
+  // The surveyor's own block stays as it is; everything missing is copied, the two
+  // workbook layouts with the blocks.
   WriteBytes(paths.Symb() / "351.dxf", "mine");
   const int n = static_cast<int>(dxf::SymbolLibraryCodes().size());
-  EXPECT_EQ(dxf::InstallSymbolLibrary(paths), n - 1);
+  EXPECT_EQ(dxf::InstallSymbolLibrary(paths), n - 1 + 2);
+  EXPECT_TRUE(fs::exists(paths.Symb() / "PoleBook0.tpl"));
   EXPECT_EQ(ReadBytes(paths.Symb() / "351.dxf"), "mine");
   EXPECT_EQ(ReadBytes(paths.Symb() / "999.dxf"), ReadBytes(shipped / "999.dxf"));
   EXPECT_EQ(dxf::SymbolLibraryFolder(paths), paths.Symb());
