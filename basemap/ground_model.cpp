@@ -3,6 +3,7 @@
 #include <gdal_alg.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "basemap/gdal_session.h"
 
@@ -30,6 +31,15 @@ GroundModel::GroundModel(std::vector<GroundVertex> points) {
     p.E -= originE_, p.N -= originN_;
     x_.push_back(p.E), y_.push_back(p.N);
   }
+  // Points on one line span no surface; qhull would say so on standard error, so the
+  // case is settled here.
+  bool flat = true;
+  const double aE = v_[1].E - v_[0].E, aN = v_[1].N - v_[0].N, a = std::hypot(aE, aN);
+  for (std::size_t i = 2; i < v_.size() && flat; ++i) {
+    const double bE = v_[i].E - v_[0].E, bN = v_[i].N - v_[0].N;
+    flat = std::abs(aE * bN - aN * bE) <= 1e-12 * a * std::hypot(bE, bN);
+  }
+  if (flat) return;
   EnsureGdal();
   GDALTriangulation* t = GDALTriangulationCreateDelaunay(static_cast<int>(v_.size()), x_.data(), y_.data());
   TakeGdalError();  // points on one line: no surface, told by Ok()
