@@ -21,6 +21,8 @@
 #include <QLayout>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPainter>
+#include <QTextLayout>
 #include <QScrollBar>
 #include <QStatusBar>
 #include <QElapsedTimer>
@@ -54,6 +56,53 @@ const char* ModeOf(const QObject* item) {
 }
 
 constexpr const char* kManualFile = "tavik-manual.html";
+
+// OBSBox shows whatever the instrument last said, often a receiver's sentence of two
+// hundred characters with no space in it. A plain label cannot break such a line and
+// cuts it at the frame's edge; this one breaks it anywhere, shows the lines that fit,
+// ends the last with "…" when more is left, and keeps the whole text as its tool tip.
+class ObsBoxLabel : public QLabel {
+ public:
+  using QLabel::QLabel;
+
+ protected:
+  void paintEvent(QPaintEvent* e) override {
+    QFrame::paintEvent(e);
+    const QString all = text();
+    if (toolTip() != all) setToolTip(all);
+    if (all.isEmpty()) return;
+    QPainter p(this);
+    p.setPen(palette().color(QPalette::WindowText));
+    const QRect r = contentsRect().adjusted(2, 1, -2, -1);
+    const QFontMetrics fm(font());
+    QTextLayout layout(all, font());
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    const int lines = std::max(1, r.height() / fm.lineSpacing());
+    layout.beginLayout();
+    int y = r.top();
+    for (int n = 0; n < lines; ++n) {
+      QTextLine line = layout.createLine();
+      if (!line.isValid()) break;
+      line.setLineWidth(r.width());
+      const bool last = n == lines - 1 && line.textStart() + line.textLength() < all.size();
+      if (last) {
+        p.drawText(QRect(r.left(), y, r.width(), fm.lineSpacing()), Qt::AlignLeft | Qt::AlignTop,
+                   fm.elidedText(all.mid(line.textStart()), Qt::ElideRight, r.width()));
+        break;
+      }
+      p.drawText(QRect(r.left(), y, r.width(), fm.lineSpacing()), Qt::AlignLeft | Qt::AlignTop,
+                 all.mid(line.textStart(), line.textLength()));
+      y += fm.lineSpacing();
+    }
+    layout.endLayout();
+  }
+  // Room for four lines where there is room, one where the frame is crowded; a long
+  // text never widens the frame.
+  QSize minimumSizeHint() const override { return QSize(0, 22); }
+  QSize sizeHint() const override { return QSize(0, 4 * fontMetrics().lineSpacing() + 6); }
+};
 }  // namespace
 
 MainFrm::MainFrm(QWidget* parent) : QMainWindow(parent) {
@@ -205,7 +254,7 @@ void MainFrm::BuildInstrumentFrame() {
   auto* col = new QVBoxLayout(instFrame_);
   auto add = [&](const char* name, const QString& caption, const QString& text) {
     if (!caption.isEmpty()) col->addWidget(new QLabel(caption, instFrame_));
-    auto* l = new QLabel(text, instFrame_);
+    auto* l = std::string(name) == "OBSBox" ? new ObsBoxLabel(text, instFrame_) : new QLabel(text, instFrame_);
     l->setObjectName(name);
     l->setFrameShape(QFrame::Panel);
     l->setFrameShadow(QFrame::Sunken);
@@ -234,6 +283,12 @@ void MainFrm::BuildStatusBar() {
     // Permanent, so that a prompt or a passing message on the left hides none of them.
     statusBar()->addPermanentWidget(l);
     panels_[k] = l;
+  }
+  // Panels 8 and 9 carry nothing in this version: they take room only when they have
+  // something to show, which leaves the prompt its whole length on a small screen.
+  for (int k : {8, 9}) {
+    panels_[k]->setMinimumWidth(0);
+    panels_[k]->hide();
   }
   progress_ = new QProgressBar(this);
   progress_->setObjectName("FileProgress");
@@ -333,7 +388,9 @@ void MainFrm::EnableBaseMapCommands(bool enabled) {
 }
 
 void MainFrm::SetPanel(int index, const std::string& text) {
-  if (index >= 1 && index <= 10) panels_[index]->setText(Q(text));
+  if (index < 1 || index > 10) return;
+  panels_[index]->setText(Q(text));
+  if (index == 8 || index == 9) panels_[index]->setVisible(!text.empty());
 }
 
 void MainFrm::SetLabel41(const std::string& text) { labels_["Label41"]->setText(Q(text)); }

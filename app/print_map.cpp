@@ -287,6 +287,7 @@ void RunPrint(Program& program, bool preview) {
   QPrintPreviewDialog view(&printer, &program.frm);
   view.setObjectName("PrintPreview");
   view.setWindowTitle("預覽列印");
+  view.resize(program.frm.size() * 0.9);
   QObject::connect(&view, &QPrintPreviewDialog::paintRequested, &view, [&](QPrinter* target) {
     QPainter p(target);
     PaintSheet(p, *target, doc, display, o, program.dialogs);

@@ -250,4 +250,7 @@ void Program::Start() {
     AddPrintCommands(*this);
   }
   cycle.Startup();
+  // The remembered display settings on the paper and on their toolbar buttons at once,
+  // with or without a document.
+  if (edit) frm.RedrawPaper();
 }

@@ -2,6 +2,8 @@
 // Paper1 at once and are remembered; the toolbar buttons show the mode in force however
 // it changed; the station panel shows the station a reopened document holds.
 #include <QAction>
+#include <QApplication>
+#include <QStatusBar>
 #include <QCheckBox>
 #include <QDoubleSpinBox>
 #include <QLabel>
@@ -125,6 +127,7 @@ class MainWindowPanelsTest : public QObject {
     QCOMPARE(d.LineWidthScale, 3.0);
     QCOMPARE(d.Background, tavik::ui::MakeRgb(0, 32, 64));
     QCOMPARE(again.app.ini.PointMarkStyle, int16_t{1});
+    QVERIFY(w.Toolbar1()->findChild<QAction*>("DispGrid")->isChecked());
   }
 
   // Each way a mode changes leaves exactly its button pressed, or none.
@@ -166,6 +169,36 @@ class MainWindowPanelsTest : public QObject {
     QCOMPARE(r.Pressed(), QStringList{"RECT"});
     r.p.cycle.Save();
     QCOMPARE(r.Pressed(), none);
+  }
+
+  // At the tablet's 1366 x 768 and at 1920 x 1080, with the program's font, every
+  // status panel shows its widest usual text whole, and a long prompt fits beside them.
+  void statusPanelsReadable_data() {
+    QTest::addColumn<QSize>("screen");
+    QTest::newRow("tablet") << QSize(1366, 768);
+    QTest::newRow("desktop") << QSize(1920, 1080);
+  }
+  void statusPanelsReadable() {
+    QFETCH(QSize, screen);
+    QApplication::setFont(QFont("WenQuanYi Zen Hei", 10));
+    Rig r;
+    MainFrm& frm = r.p.frm;
+    frm.resize(screen);
+    frm.SetPanel(1, "1 :100000");
+    frm.SetReadout("2752650.000", "2752650.000");
+    for (int k : {4, 5, 6, 7}) frm.SetPanel(k, std::string(k % 2 ? "圖元 " : "測點 ") + "99999");
+    frm.SetPanel(10, "底圖數目: 99999");
+    const QString prompt = "選點順序:先點選工作圖的兩點,再點選底圖上對應的兩點.";
+    frm.SetPrompt(prompt.toStdString());
+    QApplication::processEvents();
+    int used = 0;
+    for (QLabel* l : frm.statusBar()->findChildren<QLabel*>()) {
+      if (!l->isVisible() || !l->objectName().startsWith("Panel")) continue;
+      QVERIFY2(l->contentsRect().width() >= l->fontMetrics().horizontalAdvance(l->text()),
+               qPrintable(l->objectName() + " " + l->text()));
+      used += l->width();
+    }
+    QVERIFY(frm.statusBar()->width() - used >= frm.statusBar()->fontMetrics().horizontalAdvance(prompt) + 20);
   }
 
   void stationPanelAfterReopening() {
