@@ -1,5 +1,6 @@
 #include "instruments/memory_dump.h"
 
+#include <cctype>
 #include <cmath>
 #include <optional>
 

@@ -93,6 +93,7 @@ DownloadResult ConvertDump(SurveyContext& ctx, dump::Format format, std::string_
         next.name = r.name;
         next.instrumentHeight = r.hasHeight ? r.height : setup.instrumentHeight;
         if (r.hasCoordinates) {
+          // Until its back bearing comes, the circle is taken to read azimuths.
           next.known = true;
           next.at = {r.E, r.N, r.H};
           known[r.name] = next.at;
