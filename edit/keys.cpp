@@ -72,7 +72,7 @@ std::vector<std::array<std::string, 3>> Editor::HotKeyTable() {
   std::vector<std::array<std::string, 3>> rows;
   for (const auto& h : kHotKeys) rows.push_back({std::string(1, h.letter), std::to_string(h.code), h.name});
   static const char* const others[][2] = {
-      {"R", "重繪圖面"},       {"U", "救回刪除的資料"},   {"Delete", "刪除最後一點"}, {"F2", "存檔"},
+      {"R", "重繪圖面"},       {"U", "救回刪除的資料"},   {"Ctrl+Z", "復原圖元編輯"}, {"Delete", "刪除最後一點"}, {"F2", "存檔"},
       {"F3", "測點註記"},       {"F4", "兩點連線"},         {"F5", "兩點畫圓"},         {"F6", "三點畫圓"},
       {"F7", "三點畫弧"},       {"F8", "三點矩形"},         {"F9", "自動連線開啟"},     {"F10", "自動連線關閉"},
       {"F11", "縮小"},          {"F12", "放大"},            {"c", "畫線中閉合"},        {"右鍵", "結束畫線"},

@@ -385,19 +385,35 @@ void ForRows(const std::vector<int32_t>* rows, std::size_t n, F f) {
     if (static_cast<std::size_t>(i) < n) f(static_cast<std::size_t>(i));
 }
 
-void PointHeights(MapCanvas& c, const std::vector<int32_t>* rows) {
+// The point features whose height is a surveyed one: named points and spot heights.
+bool FeatureHeightShown(int16_t code) {
+  return code == 99 || (code >= 110 && code <= 121) || code == 130 || code == 131 || code == 141 || code == 199 ||
+         code == 517;
+}
+
+void PointHeights(MapCanvas& c, const std::vector<int32_t>* points, const std::vector<int32_t>* entities) {
   const Document& d = c.doc;
   const bool vertical = c.display.VerticalOn && d.StationSet && std::isfinite(d.StationH);
-  ForRows(rows, d.PointTable.size(), [&](std::size_t i) {
-    const Point& p = d.PointTable[i];
-    if (p.Deleted || p.H == NoHeight || !std::isfinite(p.H) || !InPaper(c.view, p.E, p.N)) return;
+  auto label = [&](double E, double N, double H) {
+    if (H == NoHeight || !std::isfinite(H) || !InPaper(c.view, E, N)) return;
     double x, y;
-    c.ToPixel(p.E, p.N, x, y);
-    if (c.display.ElevationsOn) c.Text(x + 6, y - 5 - HeightTextSize, num::Format(p.H, "0.000"), HeightColour, HeightTextSize);
+    c.ToPixel(E, N, x, y);
+    if (c.display.ElevationsOn) c.Text(x + 6, y - 5 - HeightTextSize, num::Format(H, "0.000"), HeightColour, HeightTextSize);
     if (vertical) {
-      const double dh = p.H - d.StationH;
+      const double dh = H - d.StationH;
       c.Text(x + 6, y + 8, (dh >= 0 ? "+" : "") + num::Format(dh, "0.000"), VerticalColour, HeightTextSize);
     }
+  };
+  ForRows(points, d.PointTable.size(), [&](std::size_t i) {
+    const Point& p = d.PointTable[i];
+    if (!p.Deleted) label(p.E, p.N, p.H);
+  });
+  // A point given by name (a control point keyed in, a cadastral shot) has its height on
+  // the feature; where a survey point lies under it the same text falls on the same place.
+  // A feature placed without a height holds 0 there, which is no height to show.
+  ForRows(entities, d.EntityTable.size(), [&](std::size_t i) {
+    const Entity& e = d.EntityTable[i];
+    if (!e.Deleted && e.Kind == KindPoint && e.Z[0] != 0 && FeatureHeightShown(e.Code)) label(e.X[0], e.Y[0], e.Z[0]);
   });
 }
 
@@ -433,7 +449,7 @@ Box DrawnAreaReach(const MapCanvas& c) {
 
 }  // namespace
 
-void DrawPointHeights(MapCanvas& c) { PointHeights(c, nullptr); }
+void DrawPointHeights(MapCanvas& c) { PointHeights(c, nullptr, nullptr); }
 
 void DrawRunningNumbers(MapCanvas& c) { RunningNumbers(c, nullptr); }
 
@@ -466,7 +482,7 @@ void RedrawAll(MapCanvas& c, RowWalk walk) {
     const Point& p = d.PointTable[i];
     if (!p.Deleted) DrawPointMark(c, i, p.E, p.N, false);
   });
-  if (d.MapType == 1 && (c.display.ElevationsOn || c.display.VerticalOn)) PointHeights(c, points);
+  if (d.MapType == 1 && (c.display.ElevationsOn || c.display.VerticalOn)) PointHeights(c, points, entities);
   if (!d.StationName.empty() && d.StationSet) DrawStationMark(c, d.StationE, d.StationN, false);
   if (c.display.GridOn) DrawGrid(c);
   if (c.display.CodesOn) RunningNumbers(c, points);

@@ -373,12 +373,17 @@ TEST(Toggles, HeightsDifferencesAndNumbersOutliveTheRepaint) {
     f->doc.MapType = mapType;
     f->doc.PointTable = {{7, 1000, 2000, 12.345, kFalse}, {8, 1010, 2000, 7.5, kFalse}, {9, 990, 2000, NoHeight, kFalse}};
     f->doc.StationSet = kTrue, f->doc.StationH = 10;
+    // A control point keyed in by name carries its height on the feature; a note, and a
+    // named point placed without a height, do not.
+    f->Add(KindPoint, 114, {1005, 2010}, "K1").Z[0] = 20.5;
+    f->Add(KindPoint, 12, {1005, 2015}, "note").Z[0] = 3;
+    f->Add(KindPoint, 131, {1005, 2020}, "V1");
     return f;
   };
   // Heights are on from the start: what a shot draws beside its point stays.
   auto fresh = fixture(1);
   RedrawAll(fresh->canvas);
-  EXPECT_EQ(fresh->CountColour("text", HeightColour), 2u);
+  EXPECT_EQ(fresh->CountColour("text", HeightColour), 3u);
 
   struct Case {
     const char* key;
@@ -387,9 +392,9 @@ TEST(Toggles, HeightsDifferencesAndNumbersOutliveTheRepaint) {
     std::vector<std::string> texts;
     ui::Rgb colour;
   } cases[] = {
-      {"SwitchEle", SwitchEle, 1, {"12.345", "7.500"}, HeightColour},
+      {"SwitchEle", SwitchEle, 1, {"12.345", "7.500", "20.500"}, HeightColour},
       {"SwitchEle", SwitchEle, 2, {}, HeightColour},  // a plan keeps no heights
-      {"垂距開關", SwitchVertical, 1, {"+2.345", "-2.500"}, VerticalColour},
+      {"垂距開關", SwitchVertical, 1, {"+2.345", "-2.500", "+10.500"}, VerticalColour},
       {"SwitchSN", SwitchSN, 2, {"7", "8", "9"}, RunningNumberColour},
   };
   for (const Case& c : cases) {
@@ -420,8 +425,10 @@ TEST(Toggles, HeightsDifferencesAndNumbersOutliveTheRepaint) {
   SwitchEle(f->canvas);
   EXPECT_TRUE(f->ui.pressed[ButtonElevations]);
   const auto p = f->Px(1000, 2000);
-  EXPECT_NEAR(f->Ops("text")[0].v[0], p.first + 6, 1e-3);
-  EXPECT_NEAR(f->Ops("text")[0].v[1], p.second - 5 - HeightTextSize, 1e-3);
+  const auto texts = f->Ops("text");
+  const auto height = *std::find_if(texts.begin(), texts.end(), [](const auto& o) { return o.colour == HeightColour; });
+  EXPECT_NEAR(height.v[0], p.first + 6, 1e-3);
+  EXPECT_NEAR(height.v[1], p.second - 5 - HeightTextSize, 1e-3);
   // Without a station there is no difference to show.
   f->doc.StationSet = kFalse;
   SwitchEle(f->canvas);
