@@ -87,7 +87,7 @@ class EditWiring::WindowHost : public tavik::edit::MapHost {
     app.BaseMapOn = true;
     w_.display_.ShowBaseMap = tavik::kTrue;
     w_.program_.frm.EnableBaseMapCommands(true);
-    w_.program_.frm.SetPanel(10, "底圖數目: " + std::to_string(app.doc.BaseMapCount));
+    w_.program_.cycle.ShowCounts();
   }
   void ShowInquiry(int32_t row, const std::string& text) override {
     QMenu menu(w_.program_.frm.Paper1());
