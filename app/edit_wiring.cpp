@@ -111,8 +111,7 @@ class EditWiring::WindowHost : public tavik::edit::MapHost {
   void FrameCommand(const std::string& key) override { Run(key); }
   void Measure() override { Run("Measure"); }
   std::string MeasureMode() const override { return w_.program_.instruments.inst.MeasureMode; }
-  // No receiver is read yet, so there is never a fix: in GPS mode the keyed angle says so.
-  bool HasGpsFix() const override { return false; }
+  bool HasGpsFix() const override { return w_.program_.gnss && w_.program_.gnss->HasFix(); }
   void ShowManual() override { w_.program_.frm.ShowManual(); }
   void ModeChanged(const std::string& mode) override {
     for (QToolBar* bar : {w_.toolbar1_, w_.toolbar2_}) {

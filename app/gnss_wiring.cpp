@@ -173,7 +173,13 @@ void GnssWiring::ShowSkyPlotWindow() {
   sky_->raise();
 }
 
-void GnssWiring::Toolbar1Click(const std::string& key) { link.Toolbar1Click(key); }
+void GnssWiring::Toolbar1Click(const std::string& key) {
+  // A new start of reception waits for a position of its own before it counts as a fix.
+  if (key == "連接COM1" || key == "接收資料") gps.GpsHasFix = 0;
+  link.Toolbar1Click(key);
+}
+
+bool GnssWiring::HasFix() const { return link.Receiving() && gps.GpsHasFix != 0; }
 
 void GnssWiring::CloseAll() {
   Timer1_0.SetEnabled(false);

@@ -38,6 +38,8 @@ class GnssWiring : public QObject, public tavik::GnssLinkView, public tavik::Gps
 
   // Toolbar1's keys "連接COM1", "接收資料", "停止接收".
   void Toolbar1Click(const std::string& key);
+  // Reception is on and its last position carried a solution.
+  bool HasFix() const;
   // The document is closing or the program ends: every GNSS port lets go.
   void CloseAll();
   FormSkyPlot* SkyPlotWindow() const { return sky_; }

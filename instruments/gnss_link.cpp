@@ -118,6 +118,14 @@ void GnssLink::Stop() {
   view_.ClearOBSBox();
 }
 
+bool GnssLink::Receiving() const {
+  if (setup_.GpsStopped) return false;
+  ui::SerialPort* port = ListenOnlyKind(setup_.GpsReceiverKind) ? MSComm_Axis3
+                         : setup_.SounderKind == "CEEECHO"      ? Ceastar
+                                                                : MSComm1;
+  return port && port->PortOpen();
+}
+
 void GnssLink::Timer1Tick() {
   if (++WatchdogCount < kWatchdogTicks) return;
   WatchdogCount = 0;

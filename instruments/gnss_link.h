@@ -64,6 +64,11 @@ class GnssLink {
   void EgpsConnect();
   void EgpsReceive();
 
+  // Positions are coming in: the surveyor has not stopped reception and the port that
+  // carries them is open (MSComm_Axis3 for the listen-only kinds, the sounder's port
+  // when a CEEECHO sounder carries the GGA lines, MSComm1 otherwise).
+  bool Receiving() const;
+
   // A byte came in on MSComm1: the link is alive, the watchdog stops (its count stays).
   void DataArrived() { timer_.SetEnabled(false); }
   void Timer1Tick();

@@ -415,6 +415,7 @@ void GpsReceiver::BESTPOSA_data() {
   }
   panels_.Label12.Caption = std::string(f[22]);
   panels_.Label11.Caption = std::string(f[25]);
+  gps_.GpsHasFix = type != "NONE" ? kTrue : kFalse;
   GpsPositionUpdate(gps_.GpsLon, gps_.GpsLat, gps_.GpsHeight);
 }
 
@@ -483,6 +484,7 @@ void GpsReceiver::PRTKA() {
   l8.Caption = solution;
   panels_.Label12.Caption = std::string(f[4]);
   panels_.Label11.Caption = std::string(f[6]);
+  gps_.GpsHasFix = status.size() == 1 && status[0] >= '1' && status[0] <= '5' ? kTrue : kFalse;
   GpsPositionUpdate(gps_.GpsLon, gps_.GpsLat, gps_.GpsHeight);
 }
 
@@ -547,7 +549,9 @@ void GpsReceiver::GPGGA_data() {
   skyChanged_ = true;
 
   // The quality code overwrites the satellite warning, except for codes it does not know.
-  switch (WholeStrict(f[6])) {
+  const int32_t quality = WholeStrict(f[6]);
+  gps_.GpsHasFix = kFalse;
+  switch (quality) {
     case 0: l6.Caption = "沒有GPS訊號"; l6.ForeColor = colour::Red; break;
     case 1: l6.Caption = "GPS-fix"; l6.ForeColor = colour::Black; break;
     case 2: l6.Caption = "DGPS-fix"; l6.ForeColor = colour::Blue; break;
@@ -563,6 +567,7 @@ void GpsReceiver::GPGGA_data() {
   double latDeg = Strict(Head(lat, 2)) + Strict(lat.substr(std::min<std::size_t>(2, lat.size()))) / 60;
   double lonDeg = Strict(Head(lon, 3)) + Strict(lon.substr(std::min<std::size_t>(3, lon.size()))) / 60;
   gps_.GpsHeight = Strict(f[9]);
+  gps_.GpsHasFix = quality > 0 ? kTrue : kFalse;
   GpsPositionUpdate(lonDeg, latDeg, gps_.GpsHeight);
 }
 

@@ -22,6 +22,10 @@ struct GpsState {
   double GpsHeight = 0;    // metres, as the receiver gives it
   double GpsSigmaE = 0, GpsSigmaN = 0, GpsSigmaH = 0;  // standard deviations, metres
   std::string GpsFixText;  // the text now shown in Label6
+  // The last position sentence (GGA, #BESTPOSA, $PRTKA) carried a solution: a GGA
+  // quality above 0, a position type other than NONE, a $PRTKA status other than 0.
+  // The link clears it when reception starts, so a fix of an earlier session never counts.
+  int16_t GpsHasFix = 0;
   double GpsHeading = 0;   // dual-antenna heading, radians; 0 means none
   double GpsPDOP = 0, GpsHDOP = 0, GpsVDOP = 0;  // from GSA
 

@@ -5,9 +5,11 @@
 #include <unistd.h>
 
 #include <QAction>
+#include <QApplication>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QListWidget>
+#include <QToolBar>
 #include <QtTest>
 #include <cstdlib>
 
@@ -129,6 +131,22 @@ class GnssWindowTest : public QObject {
     QVERIFY(sent.endsWith("userdatum 6378137,298.257223563,0,0,0,0,0,0.9999\r\n"));
     QVERIFY(key("停止接收")->isEnabled() && key("接收資料")->isEnabled());
     QVERIFY(p.gnss->Timer1_0.Enabled());
+    // The keyed angle needs a fix: connected is not enough, a fix is, and stopping ends it.
+    QAction* keyed = w.Toolbar1()->findChild<QAction*>("輸入角度");
+    auto keyedOpens = [&] {
+      QString opened;
+      QTimer::singleShot(0, [&] {
+        if (QWidget* m = QApplication::activeModalWidget()) {
+          opened = m->objectName();
+          m->close();
+        }
+      });
+      const std::size_t said = dialogs.shown.size();
+      keyed->trigger();
+      if (dialogs.shown.size() > said) return dialogs.shown.back().text == "請先進入接收資料狀態" ? QString("refused") : QString();
+      return opened;
+    };
+    QCOMPARE(keyedOpens(), QString("refused"));
 
     const char* gga = "$GPGGA,032443.00,2445.420000,N,12145.180000,E,4,12,0.8,12.500,M,17.0,M,1.0,0000*00\r\n";
     (void)!write(pty, gga, strlen(gga));
@@ -140,12 +158,14 @@ class GnssWindowTest : public QObject {
     QVERIFY(p.gnss->Label("Label25(7)")->text().startsWith("3261"));
     auto* box = p.frm.findChild<QLabel*>("OBSBox");
     QVERIFY(box->styleSheet().contains("background-color: rgb(0,0,0)"));
+    QCOMPARE(keyedOpens(), QString("InputHVSDlg"));
 
     key("停止接收")->trigger();
     QVERIFY(!p.gnss->MSComm1.PortOpen());
     QVERIFY(!key("停止接收")->isEnabled());
     QCOMPARE(box->text(), QString());
     QVERIFY(box->styleSheet().contains("background-color: rgb(255,255,255)"));
+    QCOMPARE(keyedOpens(), QString("refused"));
     close(pty);
   }
 };

@@ -226,8 +226,10 @@ TEST(GnssConnect, RefusalsAndListenOnlyKinds) {
     EXPECT_EQ(rig.view.keys.count("接收資料"), 0u);
     EXPECT_EQ(rig.ceastar.openedWith, std::vector<std::string>{"COM2 4800,n,8,1"});
     EXPECT_EQ(rig.tss.openedWith, std::vector<std::string>{"COM3 9600,n,8,1"});
+    EXPECT_TRUE(rig.link.Receiving());  // positions come on the listening port
     rig.link.Stop();
     EXPECT_FALSE(rig.axis3.open);
+    EXPECT_FALSE(rig.link.Receiving());
   }
   {
     SCOPED_TRACE("CEEECHO: the sounder alone, GGA comes on its port");
@@ -236,6 +238,7 @@ TEST(GnssConnect, RefusalsAndListenOnlyKinds) {
     rig.link.Connect();
     EXPECT_EQ(rig.com1.opens, 0);
     EXPECT_EQ(rig.ceastar.opens, 1);
+    EXPECT_TRUE(rig.link.Receiving());
   }
 }
 
@@ -248,7 +251,9 @@ TEST(GnssConnect, WatchdogAndStop) {
   rig.link.DataArrived();
   EXPECT_FALSE(rig.timer.enabled);
   EXPECT_EQ(rig.link.WatchdogCount, 5);
+  EXPECT_TRUE(rig.link.Receiving());
   rig.link.Stop();
+  EXPECT_FALSE(rig.link.Receiving());
   EXPECT_FALSE(rig.com1.open);
   EXPECT_EQ(rig.setup.GpsStopped, -1);
   EXPECT_FALSE(rig.view.keys["停止接收"]);
@@ -265,6 +270,7 @@ TEST(GnssConnect, WatchdogAndStop) {
   EXPECT_FALSE(rig.com1.open);
   EXPECT_FALSE(rig.timer.enabled);
   EXPECT_FALSE(rig.view.receiving);
+  EXPECT_FALSE(rig.link.Receiving());  // a silent receiver gives no fix
   EXPECT_EQ(rig.link.WatchdogCount, 0);
   ASSERT_EQ(rig.dialogs.shown.size(), 1u);
   EXPECT_EQ(rig.dialogs.shown[0].title, "沒有資料進來");
