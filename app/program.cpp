@@ -83,6 +83,11 @@ Program::Program(tavik::AppPaths paths, tavik::ui::Dialogs* replacement)
     instruments.Timer10.SetInterval(ms);
     instruments.Timer10.SetEnabled(true);
   };
+  // The stake-out stops autosave while a Trimble streams its readings; enabled again,
+  // it runs only as the settings and the open document allow.
+  survey->ctx.link.EnableTimer5 = [this](bool on) {
+    cycle.Timer5().SetEnabled(on && app.ini.AutoSaveMinutes > 0 && app.doc.IsOpen());
+  };
   instruments.ShowButtons = [this](bool cmdStop, bool recButton) {
     survey->panel()->SetEnabled("CmdSTOP", cmdStop);
     survey->panel()->SetEnabled("RecButton", recButton);

@@ -42,7 +42,14 @@ SurveyStation::SurveyStation(MainFrm& frm, tavik::App& app, tavik::ui::Dialogs& 
   AddMenus();
 }
 
-SurveyStation::~SurveyStation() = default;
+// The dialogs go first, while the context they work on is still there: a stake-out
+// still open at exit gives its port back and clears StakeOutActive.
+SurveyStation::~SurveyStation() {
+  delete stackOut_;
+  delete resectDlg_;
+  delete fitDialog_;
+  delete userDialog_;
+}
 
 void SurveyStation::Wire(tavik::TotalStationLink& link) {
   auto& l = ctx.link;

@@ -1,6 +1,6 @@
 // The GPS procedures in the main window: the menu entries by measure mode, the target
 // picked on the map for the stake-out, and a replay that leaves the surveyor's
-// document as it was.
+// document as it was; and the total-station stake-out that stops autosave.
 #include <QAction>
 #include <QPushButton>
 #include <QToolBar>
@@ -11,6 +11,7 @@
 #include "app/gps_station.h"
 #include "app/gpsstackout.h"
 #include "app/program.h"
+#include "app/survey_station.h"
 #include "core/tables.h"
 #include "core/temp_home.h"
 #include "platform/scripted/scripted.h"
@@ -93,6 +94,24 @@ class GpsStationTest : public QObject {
     QCOMPARE(p.app.doc.EntityTable.back().Name, std::string("T9"));
     QCOMPARE(p.app.doc.MapChanged, tavik::kTrue);
     QCOMPARE(p.frm.PanelText(4), QString("測點 1"));
+  }
+
+  // The total-station stake-out with a Trimble, which streams its readings: autosave stops.
+  void trimbleStakeOutStopsAutosave() {
+    tavik::testing::TempHome home;
+    tavik::ui::ScriptedDialogs dialogs;
+    Program p(tavik::AppPaths{home.path}, &dialogs);
+    EditWiring w(p);
+    p.app.paths.EnsureFolders();
+    p.Start();
+    dialogs.files = {(p.app.paths.WorkFolder() / "丁地").string() + ".SPC"};
+    p.frm.Command("MainMnuNew")->trigger();
+    QVERIFY(p.cycle.Timer5().Enabled());
+    p.instruments.inst.InstrumentKind = "Trimble";
+    p.app.doc.StationSet = tavik::kTrue;
+    p.survey->OpenStackOut();
+    QVERIFY(p.survey->stackOut());
+    QVERIFY(!p.cycle.Timer5().Enabled());
   }
 };
 
