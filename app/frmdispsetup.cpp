@@ -82,6 +82,16 @@ void FrmDispSetup::SetBackground(tavik::ui::Rgb colour) {
   ShowBackground();
 }
 
+void FrmDispSetup::OfferStakeLastObserved(int16_t& flag) {
+  stakeLastFlag_ = &flag;
+  stakeLast_ = new QCheckBox("放樣時可點選最後觀測點", this);
+  stakeLast_->setObjectName("chkStakeLastObserved");
+  stakeLast_->setChecked(flag != 0);
+  auto* col = static_cast<QVBoxLayout*>(layout());
+  col->insertWidget(col->count() - 1, stakeLast_);  // above the buttons
+  adjustSize();
+}
+
 void FrmDispSetup::ShowBackground() {
   const QColor c = tavik::ui::ImageSurface::ToQColor(background_);
   colour_->setText(c.name().toUpper());
@@ -97,6 +107,7 @@ void FrmDispSetup::accept() {
   display_.TextScale = textScale_->value();
   display_.LineWidthScale = lineScale_->value();
   display_.Background = background_;
+  if (stakeLastFlag_) *stakeLastFlag_ = stakeLast_->isChecked() ? tavik::kTrue : tavik::kFalse;
   QDialog::accept();
 }
 
@@ -134,6 +145,7 @@ void AddDisplaySetupCommand(Program& program) {
   a->setObjectName("MainMnuDispSetup");
   QObject::connect(a, &QAction::triggered, &program.frm, [&program] {
     FrmDispSetup dlg(program.edit->Canvas().display, &program.frm);
+    if (program.survey) dlg.OfferStakeLastObserved(program.survey->survey.StakeLastObserved);
     if (dlg.exec() != QDialog::Accepted) return;
     // The new look at once: the whole picture is painted again, with the marks the
     // survey keeps over it.

@@ -31,6 +31,9 @@ class FrmDispSetup : public QDialog {
   void accept() override;
   // The paper colour the dialog holds (its button opens the colour chooser).
   void SetBackground(tavik::ui::Rgb colour);
+  // Adds the stake-out's choice: a click on the point observed last may take it as
+  // the target. accept() writes the box into `flag`.
+  void OfferStakeLastObserved(int16_t& flag);
 
  private:
   void ShowBackground();
@@ -43,6 +46,8 @@ class FrmDispSetup : public QDialog {
   QDoubleSpinBox* textScale_;
   QDoubleSpinBox* lineScale_;
   QPushButton* colour_;
+  QCheckBox* stakeLast_ = nullptr;
+  int16_t* stakeLastFlag_ = nullptr;
 };
 
 // Links the display settings to Software.ini and the store: slot 20 the names, 25 the

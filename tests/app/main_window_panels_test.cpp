@@ -93,6 +93,7 @@ class MainWindowPanelsTest : public QObject {
       QVERIFY(dlg);
       dlg->findChild<QCheckBox*>("chkMarks")->setChecked(false);
       dlg->findChild<QCheckBox*>("chkGrid")->setChecked(true);
+      dlg->findChild<QCheckBox*>("chkStakeLastObserved")->setChecked(true);
       dlg->findChild<QDoubleSpinBox*>("txtTextScale")->setValue(2);
       dlg->findChild<QDoubleSpinBox*>("txtLineScale")->setValue(3);
       dlg->SetBackground(tavik::ui::MakeRgb(0, 32, 64));
@@ -103,6 +104,7 @@ class MainWindowPanelsTest : public QObject {
     QCOMPARE(Pixel(p, cE + 2, cN), dark);
     QCOMPARE(Pixel(p, cE, cN), dark);  // no mark
     QVERIFY(r.w.Toolbar1()->findChild<QAction*>("DispGrid")->isChecked());
+    QCOMPARE(p.survey->survey.StakeLastObserved, tavik::kTrue);  // the stake-out may pick it now
 
     // Cancel changes nothing.
     QTimer::singleShot(0, [&] {
