@@ -90,9 +90,7 @@ void GpsStation::OpenStakeOut() {
   tavik::GpsStakeHooks& h = stakeOut_->Hooks();
   SurveyPanel* window = program_.survey->panel();
   h.RecordObservation = [this](double E, double N, double H) {
-    if (!ends.RecordStake) return false;
-    ends.RecordStake(E, N, H);
-    return true;
+    return ends.RecordStake && ends.RecordStake(E, N, H);
   };
   h.AddNamedEntity = [this, window](int16_t code, double E, double N, double H, const std::string& name) {
     tavik::App& a = program_.app;

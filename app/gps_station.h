@@ -27,8 +27,9 @@ struct GpsEnds {
   std::function<void()> ShowPanels;
   // A receiver port is open.
   std::function<bool()> Connected;
-  // RecordObservation(3, -1, E, N, H): the stake-out point and its GSTK line.
-  std::function<void(double E, double N, double H)> RecordStake;
+  // RecordObservation(3, -1, E, N, H): the stake-out point and its GSTK line; false
+  // when nothing was stored.
+  std::function<bool(double E, double N, double H)> RecordStake;
   // The position marker at E, N.
   std::function<void(double E, double N)> DrawMarker;
   // CmdIh, CmdRod and Combo3 of the recording controls; unset, the controls of the

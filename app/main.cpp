@@ -88,7 +88,7 @@ int main(int argc, char** argv) {
   recordEnds.DrawStakeMarks = [&gpsStation] { gpsStation.DrawStakeMarks(); };
   GpsRecordControls recording(program, recordEnds);
   recording.WireLink(gnss.link);
-  gpsStation.ends.RecordStake = [&recording](double E, double N, double H) { recording.RecordStake(E, N, H); };
+  gpsStation.ends.RecordStake = [&recording](double E, double N, double H) { return recording.RecordStake(E, N, H); };
   gpsStation.ends.DrawMarker = [&recording](double E, double N) { recording.ShowMarkerAt(E, N); };
   // The RTK base: after the recording, whose position hook it extends.
   RtBaseStation rtBase(program, edit);
