@@ -333,21 +333,6 @@ TEST_F(SplitFixture, ReferenceMapComesFirstAndStaysFirst) {
   EXPECT_EQ(fresh.ReferenceEntityCount, 1);
   EXPECT_FALSE(LoadReferenceMap(fresh, view, work, ref, refusal));
   EXPECT_EQ(refusal, ReferenceMapTwiceMessage);
-  AddPoint(fresh, view, work, 1500, 2500, 0);
-  ASSERT_TRUE(SaveDocument(fresh, work, dialogs));
-  Document back;
-  back.SpcPath = fresh.SpcPath;
-  ASSERT_TRUE(LoadDocument(back, dialogs));
-  EXPECT_EQ(back.ReferenceMapLoaded, kTrue);
-  EXPECT_EQ(back.ReferencePointCount, 2);
-  EXPECT_EQ(back.PointTable[2].E, 1500);
-  // A merge of the saved file into another map with the same reference passes over it.
-  Document other;
-  SetDocumentName(other, (home / "other").string());
-  ASSERT_TRUE(LoadReferenceMap(other, view, work, ref, refusal));
-  ASSERT_TRUE(MergeDocumentRecords(other, work, fresh.SpcPath, dialogs));
-  EXPECT_EQ(other.PointCount, 3);
-  EXPECT_EQ(other.PointTable[2].E, 1500);
 }
 
 }  // namespace

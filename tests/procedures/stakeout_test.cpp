@@ -126,26 +126,16 @@ TEST_F(Stakeout, RoboticTurnCommands) {
   inst.ObsVRaw = 901530;
   int timer = 0;
   ctx.link.StartTimer10 = [&](int ms) { timer = ms; };
-  {
-    StackOutLogic dlg(ctx, nullptr);
-    ASSERT_TRUE(dlg.ChooseTarget(x, y));
-    int16_t d = 0, m = 0;
-    double s = 0;
-    RadiansToDms(dlg.TargetCircle, d, m, s);
-    char want[64];
-    std::snprintf(want, sizeof want, "*DHA%03d%02d%02.0fVA0901530\r\n", d, m, s);
-    EXPECT_EQ(link.set, want);
-    EXPECT_EQ(timer, 7000);
-    EXPECT_EQ(dlg.Label6, std::to_string(d) + "-" + (m < 10 ? "0" : "") + std::to_string(m) + "-" +
-                              num::Format(s, "00"));
-  }
-  // Non-robotic kinds are not turned.
-  link.set.clear();
-  inst.InstrumentKind = "SET30R";
-  StackOutLogic plain(ctx, nullptr);
-  ASSERT_TRUE(plain.ChooseTarget(x, y));
-  EXPECT_EQ(link.set, "");
-  EXPECT_TRUE(plain.ReadTSEnabled);
+  StackOutLogic dlg(ctx, nullptr);
+  ASSERT_TRUE(dlg.ChooseTarget(x, y));
+  int16_t d = 0, m = 0;
+  double s = 0;
+  RadiansToDms(dlg.TargetCircle, d, m, s);
+  char want[64];
+  std::snprintf(want, sizeof want, "*DHA%03d%02d%02.0fVA0901530\r\n", d, m, s);
+  EXPECT_EQ(link.set, want);
+  EXPECT_EQ(timer, 7000);
+  EXPECT_EQ(dlg.Label6, std::to_string(d) + "-" + (m < 10 ? "0" : "") + std::to_string(m) + "-" + num::Format(s, "00"));
 }
 
 TEST_F(Stakeout, SetLinesDriveTheGuideAndRecord) {
@@ -158,7 +148,8 @@ TEST_F(Stakeout, SetLinesDriveTheGuideAndRecord) {
   dlg.ReadTS();  // no target yet: nothing
   EXPECT_EQ(link.set, "");
   auto [x, y] = PixelOf(1030, 2040);
-  ASSERT_TRUE(dlg.ChooseTarget(x, y));
+  ASSERT_TRUE(dlg.ChooseTarget(x, y));  // a SET30R is not turned: nothing written
+  EXPECT_TRUE(dlg.ReadTSEnabled);
   dlg.ReadTS();
   EXPECT_EQ(link.set, std::string("Xe\r\n\x11\r\n"));
   dlg.SetLine("0045000 0900000 0\r\n");  // too short: ignored
