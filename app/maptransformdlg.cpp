@@ -20,6 +20,7 @@
 #include "app/mainfrm.h"
 #include "app/program.h"
 #include "core/numbers.h"
+#include "edit/modes.h"
 #include "platform/dialogs.h"
 
 namespace {
@@ -74,6 +75,13 @@ MapTransformDlg::MapTransformDlg(tavik::ui::Dialogs& dialogs, QWidget* parent) :
   pairs_->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
   connect(pairs_, &QTableWidget::itemChanged, this, [this] { Invalidate(); });
   pc->addWidget(pairs_);
+  auto* pickPairs = new QPushButton("在圖上點選點對(先工作圖點,再目標點)", points);
+  pickPairs->setObjectName("PickPairs");
+  connect(pickPairs, &QPushButton::clicked, this, [this] {
+    pickRow_ = -1;
+    if (StartPick) StartPick(tavik::edit::mode::MapMoveBmByP);
+  });
+  pc->addWidget(pickPairs);
   model_ = new QComboBox(points);
   model_->setObjectName("Model");
   model_->addItems({"相似轉換(四參數)", "仿射轉換(六參數)"});
@@ -97,6 +105,12 @@ MapTransformDlg::MapTransformDlg(tavik::ui::Dialogs& dialogs, QWidget* parent) :
   lineScale_->setObjectName("LineScale");
   connect(lineScale_, &QCheckBox::toggled, this, [this] { Invalidate(); });
   lg->addWidget(lineScale_, 5, 0, 1, 3);
+  auto* pickLines = new QPushButton("在圖上點選兩線", lines);
+  pickLines->setObjectName("PickLines");
+  connect(pickLines, &QPushButton::clicked, this, [this] {
+    if (StartPick) StartPick(tavik::edit::mode::MapMoveByLine2);
+  });
+  lg->addWidget(pickLines, 6, 0, 1, 3);
   tabs_->addTab(lines, "兩線套合");
   connect(tabs_, &QTabWidget::currentChanged, this, [this] { Invalidate(); });
 
@@ -133,6 +147,35 @@ void MapTransformDlg::SetPair(int row, const std::string& name, double E, double
   const double v[] = {E, N, TE, TN};
   pairs_->setItem(row, 0, new QTableWidgetItem(Q(name)));
   for (int c = 0; c < 4; ++c) pairs_->setItem(row, c + 1, new QTableWidgetItem(Q(tavik::num::Plain(v[c]))));
+}
+
+void MapTransformDlg::TakePick(const tavik::edit::Editor::FitPick& p) {
+  auto cell = [this](int row, int col, const std::string& text) {
+    pairs_->setItem(row, col, new QTableWidgetItem(Q(text)));
+  };
+  if (tabs_->currentIndex() == TabLines) {
+    if (p.Step < 0 || p.Step > 3) return;
+    line_[p.Step * 2]->setText(Q(tavik::num::Format(p.E, "0.000")));
+    line_[p.Step * 2 + 1]->setText(Q(tavik::num::Format(p.N, "0.000")));
+  } else if (p.Step % 2 == 0) {
+    // A survey point starts the first row with no survey coordinates.
+    pickRow_ = -1;
+    for (int r = 0; r < PairRows && pickRow_ < 0; ++r) {
+      const QTableWidgetItem* e = pairs_->item(r, 1);
+      if (!e || e->text().trimmed().isEmpty()) pickRow_ = r;
+    }
+    if (pickRow_ < 0) {
+      dialogs_.MsgBox("點對表已滿", Title);
+      return;
+    }
+    cell(pickRow_, 0, p.Label);
+    cell(pickRow_, 1, tavik::num::Format(p.E, "0.000"));
+    cell(pickRow_, 2, tavik::num::Format(p.N, "0.000"));
+  } else if (pickRow_ >= 0) {
+    cell(pickRow_, 3, tavik::num::Format(p.E, "0.000"));
+    cell(pickRow_, 4, tavik::num::Format(p.N, "0.000"));
+  }
+  Invalidate();
 }
 
 QString MapTransformDlg::ResultText() const { return result_->toPlainText(); }
@@ -262,9 +305,29 @@ MapTransformStation::MapTransformStation(Program& program, EditWiring& edit)
 
 void MapTransformStation::Open() {
   if (!program_.app.doc.IsOpen()) return;
-  MapTransformDlg dlg(program_.dialogs, &program_.frm);
-  if (dlg.exec() != QDialog::Accepted) return;
-  Apply(dlg.Transform(), dlg.WithBaseMap());
+  if (dlg_) {
+    dlg_->raise();
+    dlg_->activateWindow();
+    return;
+  }
+  dlg_ = new MapTransformDlg(program_.dialogs, &program_.frm);
+  tavik::edit::Editor& ed = edit_.Editor();
+  dlg_->StartPick = [&ed](const std::string& mode) { ed.StartCommand(mode); };
+  ed.OnFitPick = [this](const tavik::edit::Editor::FitPick& p) {
+    if (dlg_) dlg_->TakePick(p);
+  };
+  connect(dlg_, &QDialog::accepted, this, [this] {
+    if (dlg_) Apply(dlg_->Transform(), dlg_->WithBaseMap());
+  });
+  connect(dlg_, &QDialog::finished, this, [this, &ed] {
+    // A pick still running has nowhere to go once the dialog is gone.
+    const std::string& m = ed.Ptr.ActionMode;
+    if (m == tavik::edit::mode::MapMoveBmByP || m == tavik::edit::mode::MapMoveByLine2) ed.StartCommand("");
+    ed.OnFitPick = nullptr;
+    if (dlg_) dlg_->deleteLater();
+  });
+  dlg_->show();
+  dlg_->raise();
 }
 
 bool MapTransformStation::Apply(const tavik::edit::PlaneTransform& t, bool withBaseMap) {

@@ -1,12 +1,15 @@
 // The whole-map transforms in the window: "整圖轉換" shifts, turns or raises the survey,
-// or fits it onto typed pairs of points or onto a line, showing the parameters and the
+// or fits it onto pairs of points or onto a line, typed or picked on the map, showing the parameters and the
 // residuals before anything changes; "復原整圖轉換" puts the last one back.
 #pragma once
 
 #include <QDialog>
 #include <QObject>
+#include <QPointer>
+#include <functional>
 #include <optional>
 
+#include "edit/editor.h"
 #include "edit/map_transform.h"
 
 class QCheckBox;
@@ -38,6 +41,11 @@ class MapTransformDlg : public QDialog {
   bool Compute();
   QString ResultText() const;
 
+  // The pick buttons start a pick mode on the map (MapMoveBmByP for pairs,
+  // MapMoveByLine2 for the two lines); the dialog stays open and takes each pick.
+  std::function<void(const std::string& mode)> StartPick;
+  void TakePick(const tavik::edit::Editor::FitPick& p);
+
  protected:
   void accept() override;
 
@@ -54,6 +62,7 @@ class MapTransformDlg : public QDialog {
   QCheckBox *lineScale_, *baseMap_;
   QPlainTextEdit* result_;
   QPushButton* ok_;
+  int pickRow_ = -1;  // the pair row whose target the next pick gives
   std::optional<tavik::edit::FitResult> fit_;
   tavik::edit::PlaneTransform transform_;
 };
@@ -63,7 +72,10 @@ class MapTransformStation : public QObject {
   Q_OBJECT
  public:
   MapTransformStation(Program& program, EditWiring& edit);
+  // Opens the dialog, or brings the open one forward. It stays open beside the map, so
+  // that pairs can be picked on it; 確定 applies.
   void Open();
+  MapTransformDlg* Dialog() const { return dlg_; }
   // Applies an accepted transform to the open document and redraws.
   bool Apply(const tavik::edit::PlaneTransform& t, bool withBaseMap);
   void Undo();
@@ -73,4 +85,5 @@ class MapTransformStation : public QObject {
   Program& program_;
   EditWiring& edit_;
   tavik::edit::MapTransformUndo undo_;
+  QPointer<MapTransformDlg> dlg_;
 };

@@ -245,6 +245,17 @@ class Editor {
   // kept (MapType 1); elsewhere it keeps what it held, as the midpoint's height does.
   Foot LastFoot;
   double OffsetDistance = 0;
+  // MapMoveBmByP and MapMoveByLine2: each pick for the fitting dialog. Step counts the
+  // picks of the command from 0: survey point and target by turns, or the survey line's
+  // head and tail and then the target line's. Snapped is false for a target taken where
+  // the pen touched, with nothing to snap to.
+  struct FitPick {
+    int Step = 0;
+    double E = 0, N = 0;
+    std::string Label;
+    bool Snapped = false;
+  };
+  std::function<void(const FitPick&)> OnFitPick;
   int32_t PendingRow = -1;  // the entity of a two-pick command (NP_Extend, OFFSET ...)
   int PickStep = 0;         // which pick of a multi-pick command comes next
 
@@ -353,6 +364,12 @@ class Editor {
 
   // base_map.cpp
   void BaseMapPick(const std::string& mode, float x, float y, double E, double N);
+
+  // fit_pick.cpp
+  void FitPairPick(float x, float y, double E, double N);
+  // The survey point (or, with entityVertices, entity vertex) or base-map vertex nearest
+  // the pointer within the pick square.
+  FitPick NearestVertex(float x, float y, bool entityVertices, bool baseMap) const;
 
   // entity_edit.cpp
   void EditPick(const std::string& mode, float x, float y, double E, double N);

@@ -27,9 +27,9 @@ bool IsConstructionMode(std::string_view m) {
 }
 
 bool IsPluggedMode(std::string_view m) {
-  static constexpr std::array<std::string_view, 24> set{
+  static constexpr std::array<std::string_view, 22> set{
       "MapMoveFree",   "MapRotateFree", "MatchRotFixP", "BaseRotFixP",     "MatchRotStep", "MatchSftStep",
-      "MapMoveP",      "MapMoveCoordPos", "MapMoveLine", "MapMoveByLine2", "MapMoveBmByP", "BaseMoveBmByP",
+      "MapMoveP",      "MapMoveCoordPos", "MapMoveLine", "BaseMoveBmByP",
       "BMEraseWindow", "FIT",           "FIT2",         "PickCoord",       "RESECT_BS",    "STKOUT",
       "GPSSTKOUT",     "BasePt",        "LD",           "LD_Opt6",         "LD_Opt7",      "LD_Opt8"};
   return In(m, set);
@@ -45,7 +45,7 @@ std::string PromptOf(std::string_view m) {
   struct P {
     std::string_view mode, prompt;
   };
-  static constexpr std::array<P, 16> prompts{{
+  static constexpr std::array<P, 17> prompts{{
       {"MatchRotFixP", "定點旋轉"},
       {"BaseRotFixP", "定點旋轉"},
       {"MatchRotStep", "微調旋轉"},
@@ -53,6 +53,7 @@ std::string PromptOf(std::string_view m) {
       {"MapMoveP", "先抓圖面基準點,移到另一個實點位置"},
       {"MapMoveLine", "抓線頭對齊另一條線頭,線尾對齊另一條線尾"},
       {"MapMoveByLine2", "選點順序:先點選工作圖的兩點,再點選底圖上對應的兩點."},
+      {"MapMoveBmByP", "請點選工作圖上的點,再點選底圖上對應的點(按右鍵結束)"},
       {"BaseLine", "按右鍵結束畫線"},
       {"BM_MakeP", "請點選底圖上的線"},
       {"BM_XLineMakeP", "請點選交點位置"},

@@ -72,8 +72,8 @@ bool IsDrawingMode(std::string_view m);
 // NP_MidOf, NP_DevideTo, NP_Extend, NP_PerOf, NP_IntOf, PointProject (one or two clicks);
 // QX2Line and QX2LineMark take a window instead.
 bool IsConstructionMode(std::string_view m);
-// A mode whose pointer events belong to a subsystem built elsewhere: whole-map transforms,
-// map matching, base map, station set-up, resection, stake-out, RTK base, land split.
+// A mode whose pointer events belong to a subsystem built elsewhere: whole-map transforms
+// by hand, map matching, base map, station set-up, resection, stake-out, RTK base, land split.
 bool IsPluggedMode(std::string_view m);
 // A mode that takes a window dragged on the map: EraseWindow, ZoomW, BMEraseWindow,
 // QX2Line, QX2LineMark.

@@ -256,6 +256,8 @@ void Editor::PressInMode(int button, double E, double N, float x, float y) {
       EndChain();
     } else if (m == mode::QAREA) {
       QueryAreaEnd();
+    } else if (m == mode::MapMoveBmByP || m == mode::MapMoveByLine2) {
+      SetMode("");
     } else if (IsPluggedMode(m)) {
       host.Plugged(m, PlugEvent::RightPress, E, N);
     }
@@ -307,13 +309,15 @@ void Editor::PressInMode(int button, double E, double N, float x, float y) {
     TrimPick(x, y, E, N);
   } else if (m == mode::BaseLine || m == mode::BM_MakeP || m == mode::BM_XLineMakeP) {
     BaseMapPick(m, x, y, E, N);
+  } else if (m == mode::MapMoveBmByP || m == mode::MapMoveByLine2) {
+    FitPairPick(x, y, E, N);
   } else if (IsPluggedMode(m)) {
     host.Plugged(m, PlugEvent::Press, E, N);
   }
 }
 
 // Releases that act: deletion of a point or an entity, and the plugged modes that take
-// the release as the target (MapMoveP, MapMoveBmByP, BaseMoveBmByP, MapMoveFree ...).
+// the release as the target (MapMoveP, BaseMoveBmByP, MapMoveFree ...).
 void Editor::ReleaseInMode(int button, double E, double N, float x, float y) {
   const std::string m = Ptr.ActionMode;
   if (m.empty() || button != LeftButton) return;

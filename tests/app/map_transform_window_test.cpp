@@ -7,6 +7,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QTabWidget>
+#include <QTableWidget>
 #include <QTimer>
 #include <QtTest>
 #include <functional>
@@ -17,19 +18,22 @@
 #include "core/tables.h"
 #include "core/temp_home.h"
 #include "platform/scripted/scripted.h"
+#include "tests/app/paper_point.h"
+#include "view/navigation.h"
 
 class MapTransformWindowTest : public QObject {
   Q_OBJECT
 
-  // Runs `step` on the dialog once the menu item has opened it.
-  static void WithDialog(QAction* item, const std::function<void(MapTransformDlg&)>& step) {
-    QTimer::singleShot(0, [step] {
-      auto* dlg = qobject_cast<MapTransformDlg*>(QApplication::activeModalWidget());
-      QVERIFY(dlg);
-      step(*dlg);
-      if (dlg->isVisible()) dlg->reject();
-    });
+  // Runs `step` on the dialog the menu item has opened beside the map, then closes it.
+  static void WithDialog(MapTransformStation& station, QAction* item,
+                         const std::function<void(MapTransformDlg&)>& step) {
     item->trigger();
+    MapTransformDlg* dlg = station.Dialog();
+    QVERIFY(dlg && dlg->isVisible());
+    step(*dlg);
+    if (dlg->isVisible()) dlg->reject();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!station.Dialog());
   }
 
  private slots:
@@ -55,7 +59,7 @@ class MapTransformWindowTest : public QObject {
     QAction* undo = p.frm.findChild<QAction*>("MainMnuTransformUndo");
     QVERIFY(open && undo && open->isVisible() && p.frm.Menu("MainMnuU")->menuAction()->isVisible());
 
-    WithDialog(open, [](MapTransformDlg& d) {
+    WithDialog(station, open, [](MapTransformDlg& d) {
       QVERIFY(!d.findChild<QPushButton*>("Compute")->isEnabled());
       d.findChild<QLineEdit*>("dE")->setText("1.5");
       d.findChild<QLineEdit*>("dH")->setText("-2");
@@ -68,7 +72,7 @@ class MapTransformWindowTest : public QObject {
     // Fit three points back by 1.5 m, one target 2 cm off: the first 確定 shows the
     // residuals, the second applies.
     QString shown;
-    WithDialog(open, [&shown](MapTransformDlg& d) {
+    WithDialog(station, open, [&shown](MapTransformDlg& d) {
       d.findChild<QTabWidget*>()->setCurrentIndex(2);
       d.SetPair(0, "A", 280001.5, 2750000, 280000, 2750000);
       d.SetPair(1, "B", 280101.5, 2750000, 280100.02, 2750000);
@@ -89,7 +93,7 @@ class MapTransformWindowTest : public QObject {
     QCOMPARE(dialogs.shown.back().text, std::string(tavik::edit::TransformUndoNoneMessage));
 
     // Too few pairs: refused with the message, nothing applied.
-    WithDialog(open, [](MapTransformDlg& d) {
+    WithDialog(station, open, [](MapTransformDlg& d) {
       d.findChild<QTabWidget*>()->setCurrentIndex(2);
       d.SetPair(0, "A", 1, 2, 3, 4);
       QTest::mouseClick(d.findChild<QPushButton*>("OK"), Qt::LeftButton);
@@ -97,6 +101,24 @@ class MapTransformWindowTest : public QObject {
     });
     QCOMPARE(dialogs.shown.back().text, std::string(tavik::edit::FitTooFewMessage));
     QCOMPARE(doc.PointTable[1].E, 280101.5);
+
+    // Pairs picked on the map while the dialog stays open: a survey point, then a target
+    // where nothing is to snap to; Esc ends the picking.
+    WithDialog(station, open, [&p](MapTransformDlg& d) {
+      d.findChild<QTabWidget*>()->setCurrentIndex(2);
+      QTest::mouseClick(d.findChild<QPushButton*>("PickPairs"), Qt::LeftButton);
+      QCOMPARE(QString::fromStdString(p.edit->Editor().Ptr.ActionMode), QString("MapMoveBmByP"));
+      tavik::view::ZE(p.edit->Canvas());
+      QWidget* paper = p.frm.Paper1();
+      QTest::mouseClick(paper, Qt::LeftButton, {}, PaperPoint(p, 280101.5, 2750000) + QPoint(1, 1));
+      QTest::mouseClick(paper, Qt::LeftButton, {}, PaperPoint(p, 280060, 2750040) + QPoint(1, 1));
+      auto* table = d.findChild<QTableWidget*>("Pairs");
+      QCOMPARE(table->item(0, 1)->text(), QString("280101.500"));
+      QVERIFY(std::abs(table->item(0, 3)->text().toDouble() - 280060) < 1);
+      QVERIFY(d.isVisible());
+      QTest::keyClick(paper, Qt::Key_Escape);
+      QCOMPARE(QString::fromStdString(p.edit->Editor().Ptr.ActionMode), QString());
+    });
   }
 };
 
