@@ -13,6 +13,7 @@
 #include "app/gps_record_controls.h"
 #include "app/gps_station.h"
 #include "app/basemap_station.h"
+#include "app/image_basemap.h"
 #include "app/frmlandsplit.h"
 #include "app/maptransformdlg.h"
 #include "app/rtbase.h"
@@ -63,6 +64,7 @@ int main(int argc, char** argv) {
   LandSplitStation landSplit(program, edit);
   MapTransformStation mapTransform(program, edit);
   BaseMapStation baseMaps(program, edit);
+  ImageBaseMap imageBaseMap(program, edit);
   GpsStation gpsStation(program, edit);
   // Stake-out and replay read the receiver's state and panels; each position also
   // refreshes the stake-out window.

@@ -42,6 +42,8 @@ struct Display {
 
   // The matching overlay of the map-matching tools, when on.
   std::function<void()> MatchingOverlay;
+  // Drawn first, on the bare background under everything else: the images under the map.
+  std::function<void()> Underlay;
 };
 
 // The ranges the display settings offer for the two factors.

@@ -459,6 +459,7 @@ void RedrawAll(MapCanvas& c, RowWalk walk) {
   c.surface.SetDrawMode(ui::DrawMode::Copy);
   c.surface.SetFill(false, 0);
   c.surface.Clear(c.display.Background);
+  if (c.display.Underlay) c.display.Underlay();
   c.penKnown = false;
   // On a large map most rows lie far off the area drawn: the spatial index gives the
   // rows that may reach it, in row order, and each is drawn with its own tests as the

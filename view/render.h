@@ -14,8 +14,9 @@ namespace tavik::view {
 // every row of each table. Both draw the same picture.
 enum class RowWalk { Indexed, Every };
 
-// The whole repaint, in its fixed order: entities, base map, point marks, heights,
-// station, grid, running numbers, counts, scale bar, matching overlay. A rubber band
+// The whole repaint, in its fixed order: the underlay (images), entities, base map,
+// point marks, heights, station, grid, running numbers, counts, scale bar, matching
+// overlay. A rubber band
 // is never part of the picture: the window draws it over the picture, so that it
 // stays through every repaint.
 void RedrawAll(MapCanvas& c, RowWalk walk = RowWalk::Indexed);

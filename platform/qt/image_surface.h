@@ -33,6 +33,12 @@ class ImageSurface : public Surface {
     End();
     return image_;
   }
+  // The picture's pixels, for a layer written straight into them (the images under the
+  // map); the open painter is closed first, so the pixels are the picture's own.
+  QImage& Pixels() {
+    End();
+    return image_;
+  }
 
   void Clear(Rgb background) override;
   void SetPen(Rgb colour, int width, LineStyle style) override;
