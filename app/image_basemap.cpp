@@ -34,6 +34,17 @@ ImageBaseMap::ImageBaseMap(Program& program, EditWiring& edit)
     : QObject(&program.frm), program_(program), edit_(edit) {
   MainFrm& frm = program_.frm;
   edit_.Canvas().display.Underlay = [this] { Draw(); };
+  // A document saved under another name takes its images along.
+  frm.handlers.SaveAs = [this, saveAs = frm.handlers.SaveAs] {
+    Follow();
+    savingAs_ = true;
+    if (saveAs) saveAs();
+    savingAs_ = false;
+    const std::string& name = program_.app.doc.DocumentName;
+    if (name.empty() || name == loadedFor_) return;
+    loadedFor_ = name;
+    Save();
+  };
   if (QMenu* import = frm.Menu("MainMnuImport")) {
     QAction* a = import->addAction("匯入影像底圖...");
     a->setObjectName("ImportImage");
@@ -69,7 +80,7 @@ void ImageBaseMap::ShowToggle() {
 
 void ImageBaseMap::Follow() {
   const std::string& name = program_.app.doc.DocumentName;
-  if (name == loadedFor_) return;
+  if (name == loadedFor_ || savingAs_) return;
   loadedFor_ = name;
   settings_ = {};
   images_.clear();

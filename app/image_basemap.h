@@ -53,6 +53,7 @@ class ImageBaseMap : public QObject {
   Program& program_;
   EditWiring& edit_;
   std::string loadedFor_;
+  bool savingAs_ = false;  // the name changes under a Save As: the list stays
   tavik::basemap::ImageSettings settings_;
   std::vector<std::unique_ptr<tavik::basemap::RasterImage>> images_;  // one per row of the list
   QAction* show_ = nullptr;

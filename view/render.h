@@ -16,9 +16,8 @@ enum class RowWalk { Indexed, Every };
 
 // The whole repaint, in its fixed order: the underlay (images), entities, base map,
 // point marks, heights, station, grid, running numbers, counts, scale bar, matching
-// overlay. A rubber band
-// is never part of the picture: the window draws it over the picture, so that it
-// stays through every repaint.
+// overlay. A rubber band is never part of the picture: the window draws it over the
+// picture, so that it stays through every repaint.
 void RedrawAll(MapCanvas& c, RowWalk walk = RowWalk::Indexed);
 
 // Every row of EntityTable, deleted and hidden ones skipped.

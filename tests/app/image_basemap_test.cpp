@@ -1,6 +1,6 @@
 // An image under the map in the real window, offscreen: imported from 匯入, drawn under
-// the survey in Paper1's picture, hidden by 底圖's toggle, and found again from the side
-// file when the document is opened another time.
+// the survey in Paper1's picture, hidden by 底圖's toggle, found again from the side
+// file when the document is opened another time, and taken along by a Save As.
 #include <QAction>
 #include <QMenu>
 #include <QtTest>
@@ -74,6 +74,13 @@ class ImageBaseMapTest : public QObject {
     dialogs.files = {spc};
     import->trigger();
     QVERIFY(dialogs.shown.back().text.rfind(tavik::basemap::ImageOpenMessage, 0) == 0);
+    QCOMPARE(images.Settings().Images.size(), std::size_t(1));
+
+    // Saved under another name, the document takes its images along.
+    dialogs.files = {(p.app.paths.WorkFolder() / "航照二.SPC").string()};
+    p.frm.Command("MainMnuSaveAs")->trigger();
+    QVERIFY(p.app.doc.DocumentName.ends_with("航照二"));
+    QVERIFY(std::filesystem::exists(tavik::basemap::ImageListPath(p.app.doc.DocumentName)));
     QCOMPARE(images.Settings().Images.size(), std::size_t(1));
   }
 };
