@@ -116,7 +116,6 @@ class MainFrmTest : public QObject {
       for (QAction* a : m->menu()->actions()) items += a->isVisible() && !a->isSeparator();
       QVERIFY2(items > 0, qPrintable(m->text()));
     }
-    QVERIFY(!p.frm.Command("BmDispSetup")->isVisible());
     // The points on base-map lines are offered, and wait for a base map.
     for (const char* bm : {"BMLockLineCPnt", "BMLockXLineCPnt"})
       QVERIFY2(p.frm.Command(bm)->isVisible() && !p.frm.Command(bm)->isEnabled(), bm);
