@@ -8,11 +8,7 @@ namespace tavik::ui {
 
 namespace {
 constexpr double kPi = 3.14159265358979;
-// Coordinates beyond this are clipped away long before they reach the raster engine,
-// whose fixed-point arithmetic misbehaves on huge values.
-constexpr float kFar = 1.0e6f;
-
-bool Sane(float v) { return std::isfinite(v) && std::fabs(v) < kFar; }
+bool Sane(float v) { return ImageSurface::Drawable(v); }
 }  // namespace
 
 ImageSurface::ImageSurface(int width, int height) {
@@ -33,16 +29,20 @@ void ImageSurface::Resize(int width, int height) {
 void ImageSurface::Clear(Rgb background) { image_.fill(ToQColor(background)); }
 
 void ImageSurface::SetPen(Rgb colour, int width, LineStyle style) {
-  pen_.setColor(ToQColor(colour));
-  pen_.setWidth(std::max(1, width));
-  switch (style) {
-    case LineStyle::Solid: pen_.setStyle(Qt::SolidLine); break;
-    case LineStyle::Dash: pen_.setStyle(Qt::DashLine); break;
-    case LineStyle::Dot: pen_.setStyle(Qt::DotLine); break;
-    case LineStyle::DashDot: pen_.setStyle(Qt::DashDotLine); break;
-    case LineStyle::DashDotDot: pen_.setStyle(Qt::DashDotDotLine); break;
-  }
+  SetQPen(pen_, colour, width, style);
   painterPen_ = false;
+}
+
+void ImageSurface::SetQPen(QPen& pen, Rgb colour, qreal width, LineStyle style) {
+  pen.setColor(ToQColor(colour));
+  pen.setWidthF(std::max<qreal>(1, width));
+  switch (style) {
+    case LineStyle::Solid: pen.setStyle(Qt::SolidLine); break;
+    case LineStyle::Dash: pen.setStyle(Qt::DashLine); break;
+    case LineStyle::Dot: pen.setStyle(Qt::DotLine); break;
+    case LineStyle::DashDot: pen.setStyle(Qt::DashDotLine); break;
+    case LineStyle::DashDotDot: pen.setStyle(Qt::DashDotDotLine); break;
+  }
 }
 
 void ImageSurface::SetDrawMode(DrawMode mode) {

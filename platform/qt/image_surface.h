@@ -12,6 +12,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QPen>
+#include <cmath>
 #include <memory>
 
 #include "platform/surface.h"
@@ -53,6 +54,11 @@ class ImageSurface : public Surface {
   float Height() const override { return static_cast<float>(image_.height()); }
 
   static QColor ToQColor(Rgb c) { return QColor(RedOf(c), GreenOf(c), BlueOf(c)); }
+  // The pen's colour, width (at least 1) and dash pattern, as every Qt surface sets them.
+  static void SetQPen(QPen& pen, Rgb colour, qreal width, LineStyle style);
+  // A coordinate the raster and print engines take safely: finite, and not so far off
+  // that their fixed-point arithmetic misbehaves (such figures are far off the sheet).
+  static bool Drawable(float v) { return std::isfinite(v) && std::fabs(v) < 1.0e6f; }
 
  private:
   // The open painter, opened if need be, with the current mode; withPen hands it the

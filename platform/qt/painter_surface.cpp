@@ -9,8 +9,7 @@ namespace tavik::ui {
 
 namespace {
 constexpr double kPi = 3.14159265358979;
-constexpr float kFar = 1.0e6f;
-bool Sane(float v) { return std::isfinite(v) && std::fabs(v) < kFar; }
+bool Sane(float v) { return ImageSurface::Drawable(v); }
 QColor ToQ(Rgb c) { return ImageSurface::ToQColor(c); }
 }  // namespace
 
@@ -26,15 +25,7 @@ PainterSurface::PainterSurface(QPainter& painter, float width, float height)
 void PainterSurface::Clear(Rgb background) { p_.fillRect(QRectF(0, 0, width_, height_), ToQ(background)); }
 
 void PainterSurface::SetPen(Rgb colour, int width, LineStyle style) {
-  pen_.setColor(ToQ(colour));
-  pen_.setWidthF(std::max(1, width));
-  switch (style) {
-    case LineStyle::Solid: pen_.setStyle(Qt::SolidLine); break;
-    case LineStyle::Dash: pen_.setStyle(Qt::DashLine); break;
-    case LineStyle::Dot: pen_.setStyle(Qt::DotLine); break;
-    case LineStyle::DashDot: pen_.setStyle(Qt::DashDotLine); break;
-    case LineStyle::DashDotDot: pen_.setStyle(Qt::DashDotDotLine); break;
-  }
+  ImageSurface::SetQPen(pen_, colour, width, style);
 }
 
 void PainterSurface::SetFill(bool filled, Rgb colour) {
